@@ -1,0 +1,107 @@
+// File services with Win32 / Delphi semantics. Every function forwards to
+// Env::Default() (env.h); on failure it sets the Windows last-error code
+// (errors.h) and returns the Win32 failure value. Paths are narrow (UTF-8)
+// strings. Thread use: any thread; the last-error code is per thread.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "platform/win_types.h"
+
+namespace zt::platform {
+
+class FindState;  // opaque per-search state owned by the search record
+
+// Delphi's TSearchRec: one directory entry found by FindFirst / FindNext.
+struct TSearchRec {
+  int Time = 0;          // last-write time, DOS packed local time (dates.h)
+  std::int64_t Size = 0;
+  int Attr = 0;          // fa* bits of the entry
+  std::string Name;      // name only, no directory
+  int ExcludeAttr = 0;   // fa* bits that exclude an entry (the mask rule)
+  std::shared_ptr<FindState> State;
+};
+
+// Starts a search over Path, a directory part plus a name pattern with
+// Windows wildcards (* and ?). Returns 0 and fills F with the first entry that
+// passes the attribute mask Attr, or a Windows error code (2 no match or no
+// such file, 3 missing directory). Entries come in directory order, "." and
+// ".." included. Mask rule: an entry is skipped when it has the hidden, system,
+// volume or directory bit and Attr lacks it; read-only and archive never
+// exclude. Close every successful search with FindClose.
+int FindFirst(const std::string& Path, int Attr, TSearchRec& F);
+// Next entry of the search: 0, or ERROR_NO_MORE_FILES (18) at the end.
+int FindNext(TSearchRec& F);
+void FindClose(TSearchRec& F);
+
+// Windows' wildcard match of one file name against one pattern
+// (FindFirstFile's DOS rules: "*.*" matches names without a dot, "?" may
+// match nothing before a "." or at the end, "*." only names without a dot).
+bool MatchesWildcard(const std::string& Name, const std::string& Pattern);
+
+DWORD GetFileAttributesA(const std::string& Path);  // INVALID_FILE_ATTRIBUTES on failure
+bool SetFileAttributesA(const std::string& Path, DWORD Attributes);
+
+// Deletes a file. Read-only file or a directory: ERROR_ACCESS_DENIED (5),
+// also when the process runs as root.
+bool DeleteFile(const std::string& Path);
+bool RemoveDirectory(const std::string& Path);  // empty directories only (145)
+
+// Copy progress routine, as Win32's LPPROGRESS_ROUTINE less the two handles.
+// Called at the start (0 bytes), after every chunk and at the end.
+using LPPROGRESS_ROUTINE = DWORD (*)(std::int64_t TotalFileSize, std::int64_t TotalBytesTransferred,
+                                     std::int64_t StreamSize, std::int64_t StreamBytesTransferred,
+                                     DWORD StreamNumber, DWORD CallbackReason, void* Data);
+
+// Copies a file with Windows semantics: COPY_FILE_FAIL_IF_EXISTS gives
+// ERROR_FILE_EXISTS (80); a read-only target gives ERROR_ACCESS_DENIED; the
+// target gets the source's attributes (plus archive) and last-write time.
+// *Cancel (may be null) is polled between chunks; when it becomes non-zero,
+// or Progress returns PROGRESS_CANCEL, the copy stops with
+// ERROR_REQUEST_ABORTED and no partial target is left. Any failure in mid-copy
+// removes the partial target.
+bool CopyFileExA(const std::string& Existing, const std::string& New, LPPROGRESS_ROUTINE Progress, void* Data,
+                 BOOL* Cancel, DWORD CopyFlags);
+
+// Moves a file or directory. Without MOVEFILE_REPLACE_EXISTING an existing
+// target gives ERROR_ALREADY_EXISTS (183). MOVEFILE_COPY_ALLOWED copies then
+// deletes across file systems (reporting progress); MOVEFILE_WRITE_THROUGH
+// flushes before returning.
+bool MoveFileWithProgressA(const std::string& Existing, const std::string& New, LPPROGRESS_ROUTINE Progress,
+                           void* Data, DWORD Flags);
+bool MoveFileA(const std::string& Existing, const std::string& New);  // same volume only
+
+bool CreateDirectory(const std::string& Path);  // parent must exist (3); existing: 183
+bool ForceDirectories(const std::string& Path);  // creates every missing level
+bool FileExists(const std::string& Path);        // a file, not a directory
+bool DirectoryExists(const std::string& Path);
+
+// Delphi file handles. FileOpen modes are fmOpen* | fmShare* (win_types.h);
+// fmShareDenyWrite fails with ERROR_SHARING_VIOLATION while another process
+// has the file open for writing (see docs/platform.md for the POSIX limits).
+// Opening a read-only file for writing fails with ERROR_ACCESS_DENIED.
+using THandle = std::intptr_t;
+constexpr THandle INVALID_HANDLE_VALUE = -1;
+THandle FileOpen(const std::string& Path, int Mode);
+THandle FileCreate(const std::string& Path);  // create or truncate, read/write
+int FileRead(THandle Handle, void* Buffer, int Count);         // bytes read, -1 on error
+int FileWrite(THandle Handle, const void* Buffer, int Count);  // bytes written, -1 on error
+std::int64_t FileSeek(THandle Handle, std::int64_t Offset, int Origin);  // 0 begin, 1 current, 2 end
+void FileClose(THandle Handle);
+std::int64_t FileSizeOf(const std::string& Path);  // -1 when missing
+
+// Last-write time in the DOS packed local format (two-second resolution).
+int FileAge(const std::string& Path);                 // -1 when missing
+int FileGetDate(THandle Handle);                      // -1 on failure
+int FileSetDate(const std::string& Path, int Age);    // 0, or a Windows error code
+int FileSetDate(THandle Handle, int Age);             // 0, or a Windows error code
+
+// Replaces Path with Contents atomically (a new file renamed over the old
+// one): readers see the old file or the new one, never half a file.
+bool WriteFileAtomically(const std::string& Path, const std::string& Contents);
+// Reads a whole file into Contents; false with the last error set on failure.
+bool ReadWholeFile(const std::string& Path, std::string& Contents);
+
+}  // namespace zt::platform
