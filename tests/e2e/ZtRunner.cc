@@ -1,0 +1,120 @@
+#include "ZtRunner.h"
+
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <fstream>
+#include <sstream>
+#include <stdexcept>
+
+namespace zt::testing {
+
+namespace {
+
+// Reads both pipes until the child closes them, without dead-locking on a full pipe.
+void Drain(int OutFd, int ErrFd, std::string& Out, std::string& Err) {
+  pollfd Fds[2] = {{OutFd, POLLIN, 0}, {ErrFd, POLLIN, 0}};
+  int Open = 2;
+  char Buf[4096];
+  while (Open > 0) {
+    if (poll(Fds, 2, -1) < 0) continue;
+    for (int I = 0; I < 2; ++I) {
+      if (Fds[I].fd < 0 || !(Fds[I].revents & (POLLIN | POLLHUP | POLLERR))) continue;
+      ssize_t N = read(Fds[I].fd, Buf, sizeof Buf);
+      if (N > 0) {
+        (I == 0 ? Out : Err).append(Buf, N);
+      } else {
+        close(Fds[I].fd);
+        Fds[I].fd = -1;
+        --Open;
+      }
+    }
+  }
+}
+
+ZtResult Spawn(const std::string& Dir, const std::vector<std::string>& Args) {
+  ZtResult R;
+  int OutPipe[2], ErrPipe[2];
+  if (pipe(OutPipe) != 0 || pipe(ErrPipe) != 0) throw std::runtime_error("pipe failed");
+  std::string Exe = ZtPath();
+  pid_t Pid = fork();
+  if (Pid == 0) {
+    dup2(OutPipe[1], 1);
+    dup2(ErrPipe[1], 2);
+    close(OutPipe[0]), close(OutPipe[1]), close(ErrPipe[0]), close(ErrPipe[1]);
+    int Null = open("/dev/null", O_RDONLY);
+    if (Null >= 0) dup2(Null, 0);
+    if (chdir(Dir.c_str()) != 0) _exit(127);
+    std::vector<char*> Argv;
+    Argv.push_back(Exe.data());
+    for (const auto& A : Args) Argv.push_back(const_cast<char*>(A.c_str()));
+    Argv.push_back(nullptr);
+    execv(Exe.c_str(), Argv.data());
+    _exit(127);
+  }
+  close(OutPipe[1]);
+  close(ErrPipe[1]);
+  Drain(OutPipe[0], ErrPipe[0], R.Stdout, R.Stderr);
+  int Status = 0;
+  waitpid(Pid, &Status, 0);
+  R.ExitCode = WIFEXITED(Status) ? WEXITSTATUS(Status) : 128 + WTERMSIG(Status);
+  return R;
+}
+
+std::vector<nlohmann::json> ReadEvents(const std::string& Path) {
+  std::vector<nlohmann::json> Events;
+  std::ifstream In(Path);
+  std::string Line;
+  while (std::getline(In, Line))
+    if (!Line.empty()) Events.push_back(nlohmann::json::parse(Line));
+  return Events;
+}
+
+bool IsEventOf(const nlohmann::json& E, const char* Event, const std::string& Id) {
+  return E.value("event", "") == Event && E.value("id", "") == Id;
+}
+
+}  // namespace
+
+std::string ZtPath() { return ZT_EXECUTABLE; }
+
+ZtResult RunZt(const std::string& Dir, const std::string& ProjectYaml, const std::vector<std::string>& ExtraArgs,
+               const std::string& Command) {
+  if (!ProjectYaml.empty()) std::ofstream(Dir + "/project.yml") << ProjectYaml;
+  std::string LogPath = Dir + "/log.jsonl";
+  std::remove(LogPath.c_str());
+  std::vector<std::string> Args = {Command, "project.yml"};
+  if (Command == "run") Args.insert(Args.end(), {"--log-json", LogPath});
+  Args.insert(Args.end(), ExtraArgs.begin(), ExtraArgs.end());
+  ZtResult R = Spawn(Dir, Args);
+  R.Events = ReadEvents(LogPath);
+  return R;
+}
+
+ZtResult RunZtArgs(const std::string& Dir, const std::vector<std::string>& Args) { return Spawn(Dir, Args); }
+
+std::vector<std::string> StatusDetails(const ZtResult& R, const std::string& Id) {
+  std::vector<std::string> Lines;
+  for (const auto& E : R.Events)
+    if (IsEventOf(E, "status", Id))
+      for (const auto& D : E.value("details", nlohmann::json::array())) Lines.push_back(D.get<std::string>());
+  return Lines;
+}
+
+std::vector<std::string> Messages(const ZtResult& R, const std::string& Id) {
+  std::vector<std::string> Lines;
+  for (const auto& E : R.Events)
+    if (IsEventOf(E, "message", Id)) Lines.push_back(E.value("text", ""));
+  return Lines;
+}
+
+std::string ActionResult(const ZtResult& R, const std::string& Id) {
+  for (const auto& E : R.Events)
+    if (IsEventOf(E, "action-end", Id)) return E.value("result", "");
+  return "";
+}
+
+}  // namespace zt::testing

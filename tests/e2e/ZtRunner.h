@@ -1,0 +1,38 @@
+// Runs the real zt binary on a project written into a test directory and
+// collects its exit code, console output and JSON Lines build log.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include <nlohmann/json.hpp>
+
+namespace zt::testing {
+
+struct ZtResult {
+  int ExitCode = -1;  // 128 + signal number when zt was killed by a signal
+  std::string Stdout, Stderr;
+  std::vector<nlohmann::json> Events;  // one per line of the JSON log, in order
+};
+
+// Writes ProjectYaml to Dir/project.yml and runs
+// `<zt> <Command> project.yml [--log-json Dir/log.jsonl when Command=="run"] <ExtraArgs...>`
+// with Dir as working directory; parses the JSON Lines log. An empty
+// ProjectYaml leaves an existing Dir/project.yml alone.
+ZtResult RunZt(const std::string& Dir, const std::string& ProjectYaml, const std::vector<std::string>& ExtraArgs = {},
+               const std::string& Command = "run");
+
+// Runs `<zt> Args...` with Dir as working directory and no project file.
+ZtResult RunZtArgs(const std::string& Dir, const std::vector<std::string>& Args);
+
+// Detail lines of every `status` event of action Id, in order.
+std::vector<std::string> StatusDetails(const ZtResult& R, const std::string& Id);
+// `message` texts of action Id (host lines included), in order.
+std::vector<std::string> Messages(const ZtResult& R, const std::string& Id);
+// `result` of the action-end event of action Id, "" if there is none.
+std::string ActionResult(const ZtResult& R, const std::string& Id);
+
+// Path of the zt executable under test.
+std::string ZtPath();
+
+}  // namespace zt::testing
