@@ -1,0 +1,34 @@
+// A temporary directory for one test, removed with everything in it
+// (read-only files included) when the test ends.
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+#include <stdlib.h>
+
+namespace zt::testing {
+
+class TempDir {
+ public:
+  TempDir() {
+    std::string Tmpl = (std::filesystem::temp_directory_path() / "zt-test-XXXXXX").string();
+    Path_ = mkdtemp(Tmpl.data());
+  }
+  ~TempDir() {
+    std::error_code Ec;
+    for (auto& E : std::filesystem::recursive_directory_iterator(Path_, Ec))
+      std::filesystem::permissions(E.path(), std::filesystem::perms::owner_all,
+                                   std::filesystem::perm_options::add, Ec);
+    std::filesystem::remove_all(Path_, Ec);
+  }
+  TempDir(const TempDir&) = delete;
+  TempDir& operator=(const TempDir&) = delete;
+  const std::string& Path() const { return Path_; }
+  std::string operator/(const std::string& Name) const { return Path_ + "/" + Name; }
+
+ private:
+  std::string Path_;
+};
+
+}  // namespace zt::testing
