@@ -1,0 +1,261 @@
+#include "platform/inifile.h"
+
+#include <cstdint>
+#include <string_view>
+#include <unordered_map>
+
+#include "platform/errors.h"
+#include "platform/files.h"
+#include "platform/inifile_text.h"
+
+namespace zt::platform {
+namespace {
+
+using ini::TIniLine;
+using ini::TIniText;
+using ini::TLineKind;
+
+constexpr std::size_t kMaxReadUnits = 2047;  // a 2048-character buffer less its terminator
+
+std::string Trimmed(const std::string& S) { return std::string(ini::TrimBlanks(S)); }
+
+// The file's text; empty when it is missing or unreadable, so reads give defaults.
+TIniText Load(const std::string& Path) {
+  std::string Bytes;
+  if (!ReadWholeFile(Path, Bytes)) Bytes.clear();
+  return ini::Decode(std::move(Bytes));
+}
+
+// Closes a handle on every path out, keeping the last-error code.
+class THandleGuard {
+ public:
+  explicit THandleGuard(THandle H) : H_(H) {}
+  ~THandleGuard() {
+    if (H_ == INVALID_HANDLE_VALUE) return;
+    DWORD Error = GetLastError();
+    FileClose(H_);
+    SetLastError(Error);
+  }
+  THandleGuard(const THandleGuard&) = delete;
+  THandleGuard& operator=(const THandleGuard&) = delete;
+
+ private:
+  THandle H_;
+};
+
+// Reads the file, lets Edit change its text, and replaces the file
+// atomically when Edit reports a change. A missing file starts empty when
+// Create is set and is left alone otherwise. False with the last error set
+// when the file may not or cannot be written; the file is then unchanged.
+template <class F>
+bool Update(const std::string& Path, bool Create, F Edit) {
+  DWORD Attr = GetFileAttributesA(Path);
+  bool Exists = Attr != INVALID_FILE_ATTRIBUTES;
+  if (Exists && (Attr & (FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_DIRECTORY))) {
+    SetLastError(ERROR_ACCESS_DENIED);
+    return false;
+  }
+  if (!Exists && !Create) return true;
+  TIniText Doc;
+  THandle Lock = INVALID_HANDLE_VALUE;
+  if (Exists) {
+    // Keeps other writers out while the file is read, edited and replaced.
+    Lock = FileOpen(Path, fmOpenRead | fmShareDenyWrite);
+    if (Lock == INVALID_HANDLE_VALUE) return false;
+  }
+  THandleGuard Guard(Lock);
+  if (Exists) {
+    std::string Bytes;
+    if (!ReadWholeFile(Path, Bytes)) return false;
+    Doc = ini::Decode(std::move(Bytes));
+  }
+  if (!Edit(Doc.Text)) return true;
+  return WriteFileAtomically(Path, ini::Encode(Doc));
+}
+
+// Inserts Lines (without their final line break) at At, a line start or the
+// text's end; a last line without a line break gets one first.
+void InsertLines(std::string& Text, std::size_t At, const std::string& Lines) {
+  std::string Add;
+  if (At == Text.size() && At > 0 && Text.back() != '\n' && Text.back() != '\r') Add = "\r\n";
+  Add += Lines;
+  Add += "\r\n";
+  Text.insert(At, Add);
+}
+
+// Calls Visit for every key line of the first section named Section.
+template <class F>
+void ForEachKey(std::string_view Text, std::string_view Section, F Visit) {
+  if (Section.empty()) return;
+  ini::TLineScanner Scanner(Text);
+  TIniLine L;
+  bool Inside = false;
+  while (Scanner.Next(L)) {
+    if (L.Kind == TLineKind::Section) {
+      if (Inside) return;
+      Inside = ini::SameName(L.Name, Section);
+    } else if (Inside && L.Kind == TLineKind::Key) {
+      Visit(L);
+    }
+  }
+}
+
+std::string ReadValue(std::string_view Value) {
+  return std::string(ini::LimitUtf16Units(ini::Unquote(Value), kMaxReadUnits));
+}
+
+std::string AsciiLower(std::string_view S) {
+  std::string R(S);
+  for (char& C : R)
+    if (C >= 'A' && C <= 'Z') C = static_cast<char>(C - 'A' + 'a');
+  return R;
+}
+
+int HexDigit(char C) {
+  if (C >= '0' && C <= '9') return C - '0';
+  if (C >= 'a' && C <= 'f') return C - 'a' + 10;
+  if (C >= 'A' && C <= 'F') return C - 'A' + 10;
+  return -1;
+}
+
+}  // namespace
+
+bool TryStrToInt(const std::string& S, int& Value) {
+  std::size_t I = 0;
+  const std::size_t N = S.size();
+  while (I < N && S[I] == ' ') ++I;
+  bool Neg = false;
+  if (I < N && (S[I] == '+' || S[I] == '-')) Neg = S[I++] == '-';
+  bool Hex = false;
+  if (I < N && (S[I] == '$' || S[I] == 'x' || S[I] == 'X')) {
+    Hex = true, I += 1;
+  } else if (I + 1 < N && S[I] == '0' && (S[I + 1] == 'x' || S[I + 1] == 'X')) {
+    Hex = true, I += 2;
+  }
+  if (I >= N) return false;
+  const std::uint64_t Limit = Hex ? 0xFFFFFFFFu : (Neg ? 2147483648u : 2147483647u);
+  std::uint64_t V = 0;
+  for (; I < N; ++I) {
+    int D = HexDigit(S[I]);
+    if (D < 0 || (!Hex && D > 9)) return false;
+    V = V * (Hex ? 16 : 10) + static_cast<unsigned>(D);
+    if (V > Limit) return false;
+  }
+  auto U = static_cast<std::uint32_t>(V);
+  Value = static_cast<std::int32_t>(Neg ? 0u - U : U);
+  return true;
+}
+
+int StrToIntDef(const std::string& S, int Default) {
+  int V;
+  return TryStrToInt(S, V) ? V : Default;
+}
+
+std::string TIniFile::ReadString(const std::string& Section, const std::string& Ident,
+                                 const std::string& Default) const {
+  TIniText Doc = Load(FileName_);
+  ini::TIniLocation Loc = ini::Locate(Doc.Text, ini::TrimBlanks(Section), ini::TrimBlanks(Ident), true);
+  if (Loc.KeyFound) return ReadValue(Loc.Key.Value);
+  return std::string(ini::LimitUtf16Units(ini::TrimTrailingBlanks(Default), kMaxReadUnits));
+}
+
+int TIniFile::ReadInteger(const std::string& Section, const std::string& Ident, int Default) const {
+  return StrToIntDef(ReadString(Section, Ident, ""), Default);
+}
+
+bool TIniFile::ReadBool(const std::string& Section, const std::string& Ident, bool Default) const {
+  return ReadInteger(Section, Ident, Default ? 1 : 0) != 0;
+}
+
+void TIniFile::WriteString(const std::string& Section, const std::string& Ident, const std::string& Value) {
+  const std::string Sec = Trimmed(Section), Key = Trimmed(Ident);
+  bool Ok = !Sec.empty();
+  if (!Ok) SetLastError(ERROR_INVALID_PARAMETER);  // a nameless section could never be read back
+  Ok = Ok && Update(FileName_, /*Create=*/true, [&](std::string& Text) {
+         ini::TIniLocation Loc = ini::Locate(Text, Sec, Key, /*StopAtKey=*/false);
+         if (Loc.KeyFound) {
+           std::string Line = std::string(Loc.Key.Name) + "=" + Value;
+           Text.replace(Loc.Key.Begin, Loc.Key.End - Loc.Key.Begin, Line);
+         } else if (Loc.SectionFound) {
+           InsertLines(Text, Loc.AppendAt, Key + "=" + Value);
+         } else {
+           InsertLines(Text, Text.size(), "[" + Sec + "]\r\n" + Key + "=" + Value);
+         }
+         return true;
+       });
+  if (!Ok) throw EIniFileException("Unable to write to " + FileName_);
+}
+
+void TIniFile::WriteInteger(const std::string& Section, const std::string& Ident, int Value) {
+  WriteString(Section, Ident, std::to_string(Value));
+}
+
+void TIniFile::WriteBool(const std::string& Section, const std::string& Ident, bool Value) {
+  WriteString(Section, Ident, Value ? "1" : "0");
+}
+
+std::vector<std::string> TIniFile::ReadSections() const {
+  TIniText Doc = Load(FileName_);
+  std::vector<std::string> Names;
+  ini::TLineScanner Scanner(Doc.Text);
+  TIniLine L;
+  while (Scanner.Next(L))
+    if (L.Kind == TLineKind::Section && !L.Name.empty()) Names.emplace_back(L.Name);
+  return Names;
+}
+
+std::vector<std::string> TIniFile::ReadSection(const std::string& Section) const {
+  TIniText Doc = Load(FileName_);
+  std::vector<std::string> Keys;
+  ForEachKey(Doc.Text, ini::TrimBlanks(Section), [&](const TIniLine& L) { Keys.emplace_back(L.Name); });
+  return Keys;
+}
+
+std::vector<std::string> TIniFile::ReadSectionValues(const std::string& Section) const {
+  TIniText Doc = Load(FileName_);
+  std::vector<std::string> Lines;
+  std::unordered_map<std::string, std::string> First;  // lower-cased name -> value read
+  ForEachKey(Doc.Text, ini::TrimBlanks(Section), [&](const TIniLine& L) {
+    auto [It, New] = First.try_emplace(AsciiLower(L.Name));
+    if (New) It->second = ReadValue(L.Value);
+    Lines.push_back(std::string(L.Name) + "=" + It->second);
+  });
+  return Lines;
+}
+
+void TIniFile::EraseSection(const std::string& Section) {
+  const std::string Sec = Trimmed(Section);
+  bool Ok = Update(FileName_, /*Create=*/false, [&](std::string& Text) {
+    ini::TIniLocation Loc = ini::Locate(Text, Sec, "", /*StopAtKey=*/false);
+    if (!Loc.SectionFound) return false;
+    Text.erase(Loc.SectionBegin, Loc.SectionEnd - Loc.SectionBegin);
+    return true;
+  });
+  if (!Ok) throw EIniFileException("Unable to write to " + FileName_);
+}
+
+void TIniFile::DeleteKey(const std::string& Section, const std::string& Ident) {
+  const std::string Sec = Trimmed(Section), Key = Trimmed(Ident);
+  Update(FileName_, /*Create=*/false, [&](std::string& Text) {
+    ini::TIniLocation Loc = ini::Locate(Text, Sec, Key, /*StopAtKey=*/true);
+    if (!Loc.KeyFound) return false;
+    Text.erase(Loc.Key.Begin, Loc.Key.Next - Loc.Key.Begin);
+    return true;
+  });
+}
+
+bool TIniFile::SectionExists(const std::string& Section) const {
+  TIniText Doc = Load(FileName_);
+  bool Any = false;
+  ForEachKey(Doc.Text, ini::TrimBlanks(Section), [&](const TIniLine&) { Any = true; });
+  return Any;
+}
+
+bool TIniFile::ValueExists(const std::string& Section, const std::string& Ident) const {
+  TIniText Doc = Load(FileName_);
+  bool Found = false;
+  ForEachKey(Doc.Text, ini::TrimBlanks(Section), [&](const TIniLine& L) { Found = Found || ini::SameName(L.Name, Ident); });
+  return Found;
+}
+
+}  // namespace zt::platform
