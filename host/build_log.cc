@@ -1,0 +1,53 @@
+#include "host/build_log.h"
+
+namespace zt::host {
+
+const char* ResultName(ActionResult R) {
+  switch (R) {
+    case ActionResult::Success: return "success";
+    case ActionResult::Failure: return "failure";
+    case ActionResult::Ignored: return "ignored";
+    case ActionResult::Skipped: return "skipped";
+  }
+  return "";
+}
+
+const char* ResultName(BuildResult R) {
+  switch (R) {
+    case BuildResult::Success: return "success";
+    case BuildResult::Failure: return "failure";
+    case BuildResult::Stopped: return "stopped";
+  }
+  return "";
+}
+
+void BuildLog::BuildStart(const std::string& Project) {
+  Each([&](LogSink& S) { S.BuildStart(Project); });
+}
+void BuildLog::ActionStart(const std::string& Id, const std::string& Title, const std::string& Class,
+                           const std::string& Description) {
+  Each([&](LogSink& S) { S.ActionStart(Id, Title, Class, Description); });
+}
+void BuildLog::Message(const std::string& Id, const std::string& Text, bool FromHost) {
+  Each([&](LogSink& S) { S.Message(Id, Text, FromHost); });
+}
+void BuildLog::Status(const std::string& Id, const std::string& Text, const std::vector<std::string>& Details) {
+  Each([&](LogSink& S) { S.Status(Id, Text, Details); });
+}
+void BuildLog::Progress(const std::string& Id, const std::string& Text, int Percent) {
+  Each([&](LogSink& S) { S.Progress(Id, Text, Percent); });
+}
+void BuildLog::Iteration(const std::string& Id, int Index, int Count, const std::string& Value) {
+  Each([&](LogSink& S) { S.Iteration(Id, Index, Count, Value); });
+}
+void BuildLog::ActionEnd(const std::string& Id, ActionResult Result) {
+  Each([&](LogSink& S) { S.ActionEnd(Id, Result); });
+}
+void BuildLog::Variables(const VariableList& Values) {
+  Each([&](LogSink& S) { S.Variables(Values); });
+}
+void BuildLog::BuildEnd(BuildResult Result, std::int64_t DurationMs) {
+  Each([&](LogSink& S) { S.BuildEnd(Result, DurationMs); });
+}
+
+}  // namespace zt::host

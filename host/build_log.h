@@ -1,0 +1,67 @@
+// The build log: the events of one build, fanned out to every sink (the
+// console, the JSON Lines file). Events may come from any thread; each is
+// handed to the sinks whole, one at a time.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "frame/ZTVariant.h"
+
+namespace zt::host {
+
+enum class ActionResult { Success, Failure, Ignored, Skipped };
+enum class BuildResult { Success, Failure, Stopped };
+
+const char* ResultName(ActionResult R);  // "success", "failure", "ignored", "skipped"
+const char* ResultName(BuildResult R);   // "success", "failure", "stopped"
+
+using VariableList = std::vector<std::pair<std::string, frame::TZTVariant>>;
+
+// One destination of the log. Id is the action's path in the tree ("2.1");
+// an empty Id is the build itself.
+class LogSink {
+ public:
+  virtual ~LogSink() = default;
+  virtual void BuildStart(const std::string& Project) = 0;
+  virtual void ActionStart(const std::string& Id, const std::string& Title, const std::string& Class,
+                           const std::string& Description) = 0;
+  virtual void Message(const std::string& Id, const std::string& Text, bool FromHost) = 0;
+  virtual void Status(const std::string& Id, const std::string& Text, const std::vector<std::string>& Details) = 0;
+  virtual void Progress(const std::string& Id, const std::string& Text, int Percent) = 0;
+  virtual void Iteration(const std::string& Id, int Index, int Count, const std::string& Value) = 0;
+  virtual void ActionEnd(const std::string& Id, ActionResult Result) = 0;
+  virtual void Variables(const VariableList& Values) = 0;
+  virtual void BuildEnd(BuildResult Result, std::int64_t DurationMs) = 0;
+};
+
+class BuildLog : public LogSink {
+ public:
+  void AddSink(std::unique_ptr<LogSink> Sink) { Sinks_.push_back(std::move(Sink)); }
+
+  void BuildStart(const std::string& Project) override;
+  void ActionStart(const std::string& Id, const std::string& Title, const std::string& Class,
+                   const std::string& Description) override;
+  void Message(const std::string& Id, const std::string& Text, bool FromHost) override;
+  void Status(const std::string& Id, const std::string& Text, const std::vector<std::string>& Details) override;
+  void Progress(const std::string& Id, const std::string& Text, int Percent) override;
+  void Iteration(const std::string& Id, int Index, int Count, const std::string& Value) override;
+  void ActionEnd(const std::string& Id, ActionResult Result) override;
+  void Variables(const VariableList& Values) override;
+  void BuildEnd(BuildResult Result, std::int64_t DurationMs) override;
+
+ private:
+  template <class Fn>
+  void Each(Fn&& F) {
+    std::lock_guard<std::mutex> Lock(Mutex_);
+    for (auto& S : Sinks_) F(*S);
+  }
+  std::mutex Mutex_;
+  std::vector<std::unique_ptr<LogSink>> Sinks_;
+};
+
+}  // namespace zt::host

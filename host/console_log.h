@@ -1,0 +1,45 @@
+// The readable build log on the console: action titles, their messages and
+// detail lines indented beneath, a progress bar only on a terminal, and one
+// summary line at the end. Quiet mode prints an action's lines only when it
+// fails, and the summary.
+#pragma once
+
+#include <cstdio>
+#include <string>
+#include <vector>
+
+#include "host/build_log.h"
+
+namespace zt::host {
+
+class ConsoleLog : public LogSink {
+ public:
+  // Out stays owned by the caller. IsTerminal enables the progress bar.
+  ConsoleLog(std::FILE* Out, bool IsTerminal, bool Quiet) : Out_(Out), IsTerminal_(IsTerminal), Quiet_(Quiet) {}
+
+  void BuildStart(const std::string& Project) override;
+  void ActionStart(const std::string& Id, const std::string& Title, const std::string& Class,
+                   const std::string& Description) override;
+  void Message(const std::string& Id, const std::string& Text, bool FromHost) override;
+  void Status(const std::string& Id, const std::string& Text, const std::vector<std::string>& Details) override;
+  void Progress(const std::string& Id, const std::string& Text, int Percent) override;
+  void Iteration(const std::string& Id, int Index, int Count, const std::string& Value) override;
+  void ActionEnd(const std::string& Id, ActionResult Result) override;
+  void Variables(const VariableList&) override {}
+  void BuildEnd(BuildResult Result, std::int64_t DurationMs) override;
+
+ private:
+  void Line(const std::string& Id, int Extra, const std::string& Text);
+  void ClearProgress();
+  void Flush();
+
+  std::FILE* Out_;
+  bool IsTerminal_;
+  bool Quiet_;
+  bool ProgressShown_ = false;
+  std::vector<std::string> Pending_;  // quiet mode: the running action's lines
+  int Actions_ = 0, Failed_ = 0, Ignored_ = 0, Skipped_ = 0;
+  std::string FailedTitle_, CurrentTitle_;
+};
+
+}  // namespace zt::host

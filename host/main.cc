@@ -1,0 +1,69 @@
+// zt: runs build projects made of the package's actions.
+#include <algorithm>
+#include <iostream>
+#include <string>
+#include <vector>
+
+#include <CLI/CLI.hpp>
+
+#include "host/commands.h"
+#include "host/did_you_mean.h"
+#include "host/version.h"
+
+using namespace zt::host;
+
+int main(int argc, char** argv) {
+  const std::vector<std::string> Commands = {"run", "validate", "describe", "actions", "help"};
+  if (argc > 1 && argv[1][0] != '-') {
+    std::string Word = argv[1];
+    if (std::find(Commands.begin(), Commands.end(), Word) == Commands.end()) {
+      std::cerr << "zt: unknown command \"" << Word << "\"" << DidYouMean(Word, Commands) << "\n";
+      return kExitCannotLoad;
+    }
+  }
+
+  CLI::App App{"zt: runs build projects made of file, text, process and registry actions"};
+  App.set_version_flag("--version", std::string("zt ") + kZtVersion);
+  App.require_subcommand(1);
+  CommandOptions O;
+  auto AddPackage = [&O](CLI::App* Sub) {
+    Sub->add_option("--package", O.Package, "the action package to load (default: next to zt)");
+  };
+
+  auto* Run = App.add_subcommand("run", "run a project");
+  Run->add_option("PROJECT", O.Project, "the project file (YAML or JSON)")->required();
+  Run->add_option("--var", O.Vars, "set a variable, overriding the project's initial value")->type_name("NAME=VALUE");
+  Run->add_option("--log-json", O.LogJson, "write the build log as JSON Lines to FILE")->type_name("FILE");
+  Run->add_flag("--quiet", O.Quiet, "print only failing actions and the summary");
+  Run->add_option("--registry", O.Registry, "the registry store file")->type_name("FILE");
+  AddPackage(Run);
+
+  auto* Validate = App.add_subcommand("validate", "check every action's settings");
+  Validate->add_option("PROJECT", O.Project, "the project file")->required();
+  AddPackage(Validate);
+
+  auto* Describe = App.add_subcommand("describe", "print the project's action tree");
+  Describe->add_option("PROJECT", O.Project, "the project file")->required();
+  AddPackage(Describe);
+
+  auto* Actions = App.add_subcommand("actions", "list the action types");
+  Actions->add_flag("--designer", O.Designer, "also list property editors and pages");
+  AddPackage(Actions);
+
+  auto* Help = App.add_subcommand("help", "describe one action type and its properties");
+  Help->add_option("ACTION", O.Action, "class name or display name")->required();
+  AddPackage(Help);
+
+  try {
+    App.parse(argc, argv);
+  } catch (const CLI::ParseError& E) {
+    int Code = App.exit(E);
+    return Code == 0 ? kExitOk : kExitCannotLoad;
+  }
+
+  if (Run->parsed()) return RunCommand(O, std::cerr);
+  if (Validate->parsed()) return ValidateCommand(O, std::cout, std::cerr);
+  if (Describe->parsed()) return DescribeCommand(O, std::cout, std::cerr);
+  if (Actions->parsed()) return ActionsCommand(O, std::cout, std::cerr);
+  return HelpCommand(O, std::cout, std::cerr);
+}

@@ -1,0 +1,51 @@
+// A loaded project: its variables, file sets and the tree of configured
+// action objects. Built by LoadProject; run by the Runner.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "frame/ZTAction.h"
+#include "host/registry_of_actions.h"
+
+namespace zt::host {
+
+struct ActionNode {
+  std::string Id;  // path in the tree: "1", "2", "2.1"
+  int Line = 0;    // of the action's mapping in the project file
+  const RegisteredAction* Type = nullptr;
+  std::unique_ptr<frame::TZTAction> Action;
+  bool Enabled = true;
+  bool IgnoreFailure = false;
+  std::vector<std::pair<std::string, std::string>> Scripts;  // name -> source, in file order
+  std::vector<ActionNode> Children;
+};
+
+// A file set as the project defines it; evaluated by the host when used.
+struct FileSetDefinition {
+  std::string Name;
+  std::string Base;
+  std::vector<std::string> Include, Exclude;
+  int Line = 0;
+};
+
+struct Project {
+  std::string File;  // absolute path
+  std::string Name;
+  std::vector<std::pair<std::string, frame::TZTVariant>> InitialVariables;
+  std::vector<FileSetDefinition> FileSets;
+  std::vector<ActionNode> Actions;
+};
+
+// Calls Visit(Node, Depth) for every node of the tree, parents first.
+template <class Fn>
+void ForEachAction(std::vector<ActionNode>& Nodes, Fn&& Visit, int Depth = 0) {
+  for (auto& N : Nodes) {
+    Visit(N, Depth);
+    ForEachAction(N.Children, Visit, Depth + 1);
+  }
+}
+
+}  // namespace zt::host

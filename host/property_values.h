@@ -1,0 +1,34 @@
+// Values of published properties by their declared type: from a project
+// file's YAML node to the value the setter takes, and back to text for help
+// and listings.
+#pragma once
+
+#include <stdexcept>
+#include <string>
+
+#include <yaml-cpp/yaml.h>
+
+#include "frame/ZTProperties.h"
+
+namespace zt::host {
+
+// The node does not fit the property's type; what() says what was expected.
+class BadPropertyValue : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+// Strings: any scalar as text; Booleans; integers; doubles; date-times as
+// ISO 8601; enumerations by value name or ordinal; sets as a list of value
+// names; string lists as a list or a multi-line text (lines joined with CR LF).
+frame::TZTVariant PropertyValueFromYaml(const frame::TZTPropInfo& Prop, const YAML::Node& Node);
+
+// The value as a project file would write it: enumerations by name, sets as
+// "[a, b]", Booleans true/false, date-times in ISO 8601, string lists as
+// "[line, line]".
+std::string PropertyValueText(const frame::TZTPropInfo& Prop, const frame::TZTVariant& Value);
+
+// "WideString", "Boolean", "TFileExistsMode (enumeration)" ...
+std::string PropertyTypeText(const frame::TZTPropInfo& Prop);
+
+}  // namespace zt::host

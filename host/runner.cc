@@ -1,0 +1,164 @@
+#include "host/runner.h"
+
+#include <chrono>
+
+namespace zt::host {
+
+namespace {
+
+class LogEntry : public frame::IZTActionLogMessage {
+ public:
+  frame::TStrings& Details() override { return Details_; }
+  std::string GetText() const override { return Text_; }
+  void SetText(const std::string& Text) override { Text_ = Text; }
+
+ private:
+  frame::TStrings Details_;
+  std::string Text_;
+};
+
+}  // namespace
+
+Runner::Runner(Project& P, BuildLog& Log, const VariableList& Overrides)
+    : Project_(P), Log_(Log), Vars_(P.File) {
+  for (const auto& [Name, Value] : P.InitialVariables) Vars_.Set(Name, Value);
+  for (const auto& [Name, Value] : Overrides) Vars_.Set(Name, Value);
+  ForEachAction(P.Actions, [this](ActionNode& N, int) {
+    N.Action->SetHost(this);
+    Nodes_[N.Action.get()] = &N;
+  });
+}
+
+BuildResult Runner::Run() {
+  auto Start = std::chrono::steady_clock::now();
+  Log_.BuildStart(Project_.Name);
+  BuildResult Result = BuildResult::Success;
+  for (ActionNode& Node : Project_.Actions) {
+    if (Stop_) break;
+    if (RunAction(Node) == ActionResult::Failure) {
+      Result = BuildResult::Failure;
+      break;
+    }
+  }
+  if (Stop_) Result = BuildResult::Stopped;
+  Log_.Variables(Vars_.Project());
+  auto Ms = std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - Start);
+  Log_.BuildEnd(Result, Ms.count());
+  return Result;
+}
+
+ActionResult Runner::RunAction(ActionNode& Node) {
+  frame::TZTAction& A = *Node.Action;
+  std::string Description;
+  try {
+    Description = A.GetFormattedDescription();
+  } catch (const std::exception& E) {
+    Description = A.GetTitle();
+  }
+  Log_.ActionStart(Node.Id, A.GetTitle(), A.GetClass().ClassName, Description);
+  if (!Node.Enabled) {
+    Log_.ActionEnd(Node.Id, ActionResult::Skipped);
+    return ActionResult::Skipped;
+  }
+  bool Ok = false;
+  {
+    std::lock_guard<std::mutex> Lock(RunningMutex_);
+    Running_ = &A;
+  }
+  try {
+    Ok = A.Execute();
+  } catch (const std::exception& E) {
+    HostMessage(A, E.what());
+  } catch (...) {
+    HostMessage(A, "unknown exception");
+  }
+  {
+    std::lock_guard<std::mutex> Lock(RunningMutex_);
+    Running_ = nullptr;
+  }
+  ActionResult R = Ok ? ActionResult::Success : Node.IgnoreFailure ? ActionResult::Ignored : ActionResult::Failure;
+  Log_.ActionEnd(Node.Id, R);
+  return R;
+}
+
+void Runner::RequestStop() {
+  Stop_ = true;
+  std::lock_guard<std::mutex> Lock(RunningMutex_);
+  if (Running_ && Running_->CanTerminate()) Running_->TerminateAction();
+}
+
+const std::string& Runner::IdOf(const frame::TZTAction& Action) const {
+  static const std::string kNone;
+  auto It = Nodes_.find(&Action);
+  return It == Nodes_.end() ? kNone : It->second->Id;
+}
+
+void Runner::HostMessage(const frame::TZTAction& Action, const std::string& Text) {
+  Log_.Message(IdOf(Action), Text, /*FromHost=*/true);
+}
+
+std::string Runner::ExpandExpression(frame::TZTAction&, const std::string& Text, bool) {
+  try {
+    return Expander_.Expand(Text, Vars_);
+  } catch (const UndefinedVariable& E) {
+    throw frame::EZTExpandError(E.what());
+  }
+}
+
+bool Runner::TryExpandExpression(frame::TZTAction& Action, const std::string& PropertyTitle, const std::string& Text,
+                                 bool, std::string& Result) {
+  try {
+    Result = Expander_.Expand(Text, Vars_);
+    return true;
+  } catch (const UndefinedVariable& E) {
+    HostMessage(Action, "Cannot expand " + PropertyTitle + ": variable \"" + E.Name() + "\" is not defined");
+    return false;
+  }
+}
+
+void Runner::SetVariable(const std::string& Name, const frame::TZTVariant& Value) { Vars_.Set(Name, Value); }
+
+frame::TZTVariant Runner::GetVariableValue(const std::string& Name) {
+  auto V = Vars_.Lookup(Name);
+  return V ? *V : frame::TZTVariant();
+}
+
+bool Runner::IsVariableDefined(const std::string& Name) { return Vars_.IsDefined(Name); }
+
+void Runner::AddNewVariable(const std::string& Name, const frame::TZTVariant& Value) { Vars_.Set(Name, Value); }
+
+void Runner::GetVariablesList(frame::TStrings& List, bool IncludePredefined) {
+  for (const auto& [Name, Value] : Vars_.Project()) List.Add(Name);
+  if (IncludePredefined)
+    for (const auto& [Name, Value] : Vars_.Predefined()) List.Add(Name);
+}
+
+void Runner::SendMessage(frame::TZTAction& Action, const std::string& Text) {
+  Log_.Message(IdOf(Action), Text, /*FromHost=*/false);
+}
+
+void Runner::SendProgress(frame::TZTAction& Action, const std::string& Text, int Percent) {
+  Log_.Progress(IdOf(Action), Text, Percent);
+}
+
+frame::IZTActionLogMessagePtr Runner::CreateStatusMessage(frame::TZTAction&) { return std::make_shared<LogEntry>(); }
+
+void Runner::SendStatusMessage(frame::TZTAction& Action, const frame::IZTActionLogMessagePtr& Message) {
+  if (!Message) return;
+  Log_.Status(IdOf(Action), Message->GetText(), Message->Details().Lines());
+}
+
+std::string Runner::GetScriptByName(frame::TZTAction& Action, const std::string& Name) {
+  auto It = Nodes_.find(&Action);
+  if (It != Nodes_.end())
+    for (const auto& [ScriptName, Source] : It->second->Scripts)
+      if (ScriptName == Name) return Source;
+  return {};
+}
+
+bool Runner::ExecuteScript(frame::TZTAction& Action, const std::string& Name, frame::TZTScriptParams&) {
+  HostMessage(Action, "Cannot run script " + Name + ": scripts are not supported yet");
+  return false;
+}
+
+}  // namespace zt::host

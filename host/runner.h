@@ -1,0 +1,70 @@
+// Runs a project: the host side of every action (IZTActionHost: expansion,
+// variables, the build log) and the one run path of each action.
+//
+// Thread use: Run is called on the build thread; RequestStop may be called
+// from any other thread (the signal watcher) while Run is going on.
+#pragma once
+
+#include <atomic>
+#include <mutex>
+#include <string>
+#include <unordered_map>
+
+#include "frame/ZTAction.h"
+#include "host/build_log.h"
+#include "host/expander.h"
+#include "host/project.h"
+#include "host/variables.h"
+
+namespace zt::host {
+
+class Runner : public frame::IZTActionHost {
+ public:
+  // Attaches itself to every action of P and defines P's initial variables;
+  // Overrides (from --var) replace their initial values. Both must outlive it.
+  Runner(Project& P, BuildLog& Log, const VariableList& Overrides = {});
+
+  // Runs the top-level actions in order; stops at the first failure that is
+  // not ignored, or when a stop was requested. Logs build-start to build-end.
+  BuildResult Run();
+  // Sets the stop state, and terminates the running action when it can be.
+  void RequestStop();
+
+  const Variables& Vars() const { return Vars_; }
+  Expander& GetExpander() { return Expander_; }
+
+  // IZTActionHost
+  std::string ExpandExpression(frame::TZTAction& Action, const std::string& Text, bool IsName) override;
+  bool TryExpandExpression(frame::TZTAction& Action, const std::string& PropertyTitle, const std::string& Text,
+                           bool IsName, std::string& Result) override;
+  void SetVariable(const std::string& Name, const frame::TZTVariant& Value) override;
+  frame::TZTVariant GetVariableValue(const std::string& Name) override;
+  bool IsVariableDefined(const std::string& Name) override;
+  void AddNewVariable(const std::string& Name, const frame::TZTVariant& Value) override;
+  void GetVariablesList(frame::TStrings& List, bool IncludePredefined) override;
+  void SendMessage(frame::TZTAction& Action, const std::string& Text) override;
+  void SendProgress(frame::TZTAction& Action, const std::string& Text, int Percent) override;
+  frame::IZTActionLogMessagePtr CreateStatusMessage(frame::TZTAction& Action) override;
+  void SendStatusMessage(frame::TZTAction& Action, const frame::IZTActionLogMessagePtr& Message) override;
+  bool StopSignalled() override { return Stop_.load(); }
+  std::string GetScriptByName(frame::TZTAction& Action, const std::string& Name) override;
+  bool ExecuteScript(frame::TZTAction& Action, const std::string& Name, frame::TZTScriptParams& Params) override;
+  frame::IZTProjectObjectAPI* GetProjectObjectAPI() override { return nullptr; }
+  std::shared_ptr<frame::IZTStringBuilder> CreateStringBuilder() override { return nullptr; }
+
+ private:
+  ActionResult RunAction(ActionNode& Node);
+  const std::string& IdOf(const frame::TZTAction& Action) const;
+  void HostMessage(const frame::TZTAction& Action, const std::string& Text);
+
+  Project& Project_;
+  BuildLog& Log_;
+  Variables Vars_;
+  Expander Expander_;
+  std::unordered_map<const frame::TZTAction*, ActionNode*> Nodes_;
+  std::atomic<bool> Stop_{false};
+  std::mutex RunningMutex_;  // guards Running_ against RequestStop from another thread
+  frame::TZTAction* Running_ = nullptr;
+};
+
+}  // namespace zt::host

@@ -1,0 +1,49 @@
+// The build variables: project variables (case-insensitive names, typed
+// values, in order of definition), the host's predefined variables, and the
+// process environment, looked up in that order.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+#include "frame/ZTVariant.h"
+
+namespace zt::host {
+
+using frame::TZTVariant;
+
+class Variables {
+ public:
+  // Predefined variables: DOSCMD, ZT_PROJECT_DIR, ZT_PROJECT_FILE, ZT_VERSION.
+  // ProjectFile is the project's absolute path ("" when there is none).
+  explicit Variables(const std::string& ProjectFile = "");
+
+  // Defines or replaces a project variable; an existing one keeps the
+  // spelling of its first definition.
+  void Set(const std::string& Name, const TZTVariant& Value);
+  // The project variable Name, if defined.
+  const TZTVariant* FindProject(const std::string& Name) const;
+  // Project variable, then predefined, then environment (exact name, as text).
+  std::optional<TZTVariant> Lookup(const std::string& Name) const;
+  bool IsDefined(const std::string& Name) const;
+
+  // Project variables in order of definition.
+  const std::vector<std::pair<std::string, TZTVariant>>& Project() const { return Project_; }
+  const std::vector<std::pair<std::string, TZTVariant>>& Predefined() const { return Predefined_; }
+
+ private:
+  std::vector<std::pair<std::string, TZTVariant>> Project_;
+  std::unordered_map<std::string, std::size_t> Index_;  // lower-case name -> position in Project_
+  std::vector<std::pair<std::string, TZTVariant>> Predefined_;
+};
+
+// A value as the project file or --var writes it: plain true/false (any
+// case) is a Boolean, a decimal integer is an integer, anything else text.
+TZTVariant TypedValueOf(const std::string& Text);
+
+std::string LowerCase(std::string S);
+
+}  // namespace zt::host
