@@ -23,6 +23,8 @@ constexpr int ZT_HOST_API_VERSION = 1;
 class TZTAction;
 class IZTProjectObjectAPI;
 class IZTStringBuilder;
+class IZTLoopRunner;     // frame/ZTIterator.h
+class IZTProcessRunner;  // frame/ZTExecute.h
 
 // One structured build-log entry. The action appends detail lines to Details
 // and hands the entry to the host once, with SendStatusMessage.
@@ -81,6 +83,11 @@ class IZTActionHost {
   virtual bool ExecuteScript(TZTAction& Action, const std::string& Name, TZTScriptParams& Params) = 0;
   virtual IZTProjectObjectAPI* GetProjectObjectAPI() = 0;
   virtual std::shared_ptr<IZTStringBuilder> CreateStringBuilder() = 0;
+  // The host's runners of loop actions and process actions. Null from a host
+  // that runs neither (unit-test hosts); such a host never calls Execute on
+  // those actions.
+  virtual IZTLoopRunner* GetLoopRunner() { return nullptr; }
+  virtual IZTProcessRunner* GetProcessRunner() { return nullptr; }
 };
 
 // Class description: the identity of an action type (Delphi's class
@@ -91,6 +98,11 @@ struct TZTActionClass {
   TZTAction* (*Create)() = nullptr;           // null for abstract classes
   std::string (*GetActionName)() = nullptr;   // the class operation
   void (*PublishOwn)(std::vector<TZTPropInfo>&) = nullptr;
+  // False for a type that is registered but not built yet: its Execute
+  // fails with one line saying so (the palette marks it).
+  bool Available = true;
+
+  bool IsAvailable() const { return Available; }
 
   // Published properties: the ancestors' first, then this class's own.
   std::vector<TZTPropInfo> Properties() const {
@@ -115,6 +127,7 @@ struct TZTActionClass {
 
 // Defines the class description; Publish is a static member
 // `void Publish(TZTPublisher<Cls>&)` or nullptr when the class adds none.
+// In a header, write `inline ZT_IMPLEMENT_CLASS(...)`.
 #define ZT_IMPLEMENT_CLASS(Cls, Publish)                                              \
   const ::zt::frame::TZTActionClass& Cls::ClassType() {                               \
     static const ::zt::frame::TZTActionClass C =                                      \
@@ -148,6 +161,12 @@ class TZTAction {
   virtual bool CanTerminate() { return false; }
   // May be called from another thread while Execute runs.
   virtual void TerminateAction() {}
+  // Called by the host before a rerun of the project; loop actions reset
+  // their counter here.
+  virtual void ResetBuildStatus() {}
+  // True for actions that decide which of their child actions run (loops,
+  // conditions); the host runs child actions only under these.
+  virtual bool GetIsFlowControlAction() { return false; }
   // Declares the parameters of the script ScriptName before a run.
   virtual void InitialiseScriptParams(const std::string& ScriptName, TZTScriptParams& Params) {
     (void)ScriptName; (void)Params;

@@ -23,7 +23,9 @@ class IZTActionServices {
                               const TZTActionClass& ActionClass, const std::string& IconName) = 0;
   // Pages in tab order.
   virtual void RegisterActionPages(const TZTActionClass& ActionClass, const std::vector<TZTPageClass>& Pages) = 0;
-  // PropertyName empty: every property of PropertyType on the class.
+  // PropertyType is a published type name as TZTPropInfo::TypeName gives it
+  // ("WideString", "string", "TAttributeSetting"). PropertyName empty: every
+  // property of PropertyType on the class.
   virtual void RegisterPropertyEditor(const std::string& PropertyType, const TZTActionClass& ActionClass,
                                       const std::string& PropertyName, TZTEditorClass Editor) = 0;
 };

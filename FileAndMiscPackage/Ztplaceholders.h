@@ -1,0 +1,111 @@
+// Action types that are registered but not built yet.
+//
+// Each ZT_PLACEHOLDER line below declares a stand-in under the type's real
+// class name and display name. It publishes no property, its class reports
+// IsAvailable() == false, and running it fails with the single log line
+// "<display name> is not available yet". To ship a real action: delete its
+// line here and include the action's header in Ztfilereg.cc (registry
+// actions: Ztregistryreg.cc). Nothing else changes.
+#pragma once
+
+#include <string>
+
+#include "frame/ZTAction.h"
+#include "frame/ZTServices.h"
+
+namespace zt::package {
+
+// What every stand-in does.
+class TZTPlaceholderAction : public frame::TCustomZTAction {
+ public:
+  bool Execute() override;
+};
+
+template <class Cls>
+frame::TZTActionClass MakePlaceholderClass(const char* Name, const frame::TZTActionClass& Parent, bool Abstract) {
+  frame::TZTActionClass C = frame::MakeActionClass<Cls>(Name, &Parent, nullptr);
+  C.Available = false;
+  if (Abstract) C.Create = nullptr;
+  return C;
+}
+
+// A stand-in class Cls derived from Base (a registered type when Abstract is
+// false).
+#define ZT_PLACEHOLDER_CLASS(Cls, Base, Abstract, DisplayName)                                              \
+  class Cls : public Base {                                                                                 \
+   public:                                                                                                  \
+    using inherited = Base;                                                                                 \
+    static std::string GetActionName() { return DisplayName; }                                              \
+    static const ::zt::frame::TZTActionClass& ClassType() {                                                 \
+      static const ::zt::frame::TZTActionClass C = MakePlaceholderClass<Cls>(#Cls, Base::ClassType(), Abstract); \
+      return C;                                                                                             \
+    }                                                                                                       \
+    const ::zt::frame::TZTActionClass& GetClass() const override { return ClassType(); }                   \
+  };
+
+#define ZT_PLACEHOLDER(Cls, DisplayName) ZT_PLACEHOLDER_CLASS(Cls, TZTPlaceholderAction, false, DisplayName)
+// A stand-in for the common base of several registered types.
+#define ZT_PLACEHOLDER_BASE(Cls) ZT_PLACEHOLDER_CLASS(Cls, TZTPlaceholderAction, true, "Action")
+
+// --- Stand-ins, in registration order ---
+ZT_PLACEHOLDER(TFileExistsAction, "Check if File Exists")
+ZT_PLACEHOLDER(TCreateDirectoryAction, "Create Directory")
+ZT_PLACEHOLDER(TDeleteDirectoryAction, "Delete Directory")
+ZT_PLACEHOLDER(TZTMoveDirectoryAction, "Move Directory")
+ZT_PLACEHOLDER(TCopyFilesAction, "Copy File(s)")
+ZT_PLACEHOLDER(TMoveFilesAction, "Move File(s)")
+ZT_PLACEHOLDER(TSetFileAttributesAction, "Set File Attributes")
+ZT_PLACEHOLDER(TFileIterator, "File Iterator")
+ZT_PLACEHOLDER(TFolderIterator, "Folder Iterator")
+ZT_PLACEHOLDER(TReadIniFileAction, "Read Ini File")
+ZT_PLACEHOLDER(TWriteIniFileAction, "Write Ini File")
+ZT_PLACEHOLDER(TZTScriptAction, "Run Script")
+ZT_PLACEHOLDER(TTouchFilesAction, "Touch File(s)")
+ZT_PLACEHOLDER(TRunProgramAction, "Execute Program")
+ZT_PLACEHOLDER(TRunDosCMDAction, "Run DOS Command")
+ZT_PLACEHOLDER(TConcatAction, "Concatenate Files")
+ZT_PLACEHOLDER(TDiskInfoAction, "Get Disk Free Space")
+ZT_PLACEHOLDER(TDateTimeAction, "Get Date/Time")
+ZT_PLACEHOLDER_BASE(TCustomRegAction)
+ZT_PLACEHOLDER_CLASS(TReadRegValueAction, TCustomRegAction, false, "Read Registry Value")
+ZT_PLACEHOLDER_CLASS(TSetRegValueAction, TCustomRegAction, false, "Set Registry Value")
+ZT_PLACEHOLDER_CLASS(TDeleteRegValueAction, TCustomRegAction, false, "Delete Registry Value")
+ZT_PLACEHOLDER(TRenameDirAction, "Rename File or Directory")
+ZT_PLACEHOLDER(TZTCreateTextFileAction, "Create Text File")
+ZT_PLACEHOLDER(TZTWriteToTextFileAction, "Write to Text File")
+ZT_PLACEHOLDER(TZTGetFileSizeAction, "Get File Size")
+ZT_PLACEHOLDER(TZTIfCOMClassRegistered, "If COM Class Registered")
+ZT_PLACEHOLDER(TZTXCopyAction, "XCopy")
+ZT_PLACEHOLDER(TZTRobocopyCopyAction, "Robocopy")
+ZT_PLACEHOLDER(TZTRobocopyJobAction, "Run Robocopy Job")
+ZT_PLACEHOLDER(TZTRobocopyMoveAction, "Robocopy Move")
+ZT_PLACEHOLDER(TZTRobocopyMirrorAction, "Robocopy Mirror")
+ZT_PLACEHOLDER(TZTReadTextFileAction, "Read Text File")
+ZT_PLACEHOLDER(TReadTextFileIterator, "File Contents Iterator")
+ZT_PLACEHOLDER(TIniFileIterator, "Ini File Iterator")
+ZT_PLACEHOLDER(TZTExtractFileVerInfoAction, "Extract Version Info")
+ZT_PLACEHOLDER(TZTListIterator, "List Iterator")
+ZT_PLACEHOLDER(TZTFileCRCAction, "Calculate File CRC32")
+ZT_PLACEHOLDER(TZTFileMD5Action, "Calculate File MD5")
+ZT_PLACEHOLDER(TZTShellExecute, "Shell Execute")
+ZT_PLACEHOLDER(TTextReplaceAction, "Text Replace (Deprecated)")
+ZT_PLACEHOLDER(TZTVariablesSaveAction, "Save Variables to INI")
+ZT_PLACEHOLDER(TZTVariablesLoadAction, "Load Variables from INI")
+ZT_PLACEHOLDER(TZTTextFindAction, "Text Find / Replace")
+ZT_PLACEHOLDER(TZTFileCompareAction, "File Compare")
+ZT_PLACEHOLDER(TZTLogVariablesAction, "Log Variable Values")
+ZT_PLACEHOLDER(TZTCloseProcessAction, "Close Process")
+ZT_PLACEHOLDER(TZTFileSetCopyMoveAction, "FileSet Copy/Move")
+ZT_PLACEHOLDER(TZTReplaceVariablesAction, "Replace Variables")
+ZT_PLACEHOLDER(TZTImagesAction, "Image Manipulation")
+ZT_PLACEHOLDER(TZTJPEGLosslessTransformAction, "JPEG Lossless Transform")
+
+// The robocopy options object (host-wide settings).
+struct TZTRobocopyOptions {
+  static const frame::TZTOptionsClass& ClassType() {
+    static const frame::TZTOptionsClass C{"TZTRobocopyOptions"};
+    return C;
+  }
+};
+
+}  // namespace zt::package

@@ -1,0 +1,84 @@
+// Loop actions. TZTBaseIterator keeps the loop variable's name and the pass
+// counter; the host's loop runner (IZTLoopRunner) drives the passes and the
+// child actions. A loop action implements BeforeFirstIteration and
+// GetCurrentValue, may extend AfterEachIteration / AfterLastIteration, and
+// overrides ResetBuildStatus to call the inherited one and then Reset, so a
+// rerun of the project starts the loop afresh.
+//
+// One run, as the runner performs it:
+//   Reset(); if (!BeforeFirstIteration()) the action fails;
+//   while (!NoMoreIterations()) {
+//     NextIteration();                                 // counter k = 1, 2, ...
+//     SetVariable(GetZTVariable(), GetCurrentValue());
+//     run the child actions; AfterEachIteration();
+//   }
+//   AfterLastIteration();
+// An exception from any of these (EIteratorException with its message, or
+// another) fails the action; AfterLastIteration is still called.
+#pragma once
+
+#include <stdexcept>
+#include <string>
+
+#include "frame/ZTAction.h"
+
+namespace zt::frame {
+
+// Raised by a loop action that cannot build its item list.
+class EIteratorException : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+class TZTBaseIterator;
+
+// Implemented by the host: runs a loop action with its child actions.
+class IZTLoopRunner {
+ public:
+  virtual ~IZTLoopRunner() = default;
+  virtual bool ExecuteLoop(TZTBaseIterator& Iterator) = 0;
+};
+
+class TZTBaseIterator : public TCustomZTAction {
+  ZT_DECLARE_CLASS(TZTBaseIterator, TCustomZTAction)
+
+ public:
+  // Name of the loop variable.
+  virtual void SetZTVariable(const std::string& Name) { ZTVariable_ = Name; }
+  const std::string& GetZTVariable() const { return ZTVariable_; }
+
+  // The value of the current pass; the runner puts it into the loop variable.
+  virtual TZTVariant GetCurrentValue() = 0;
+  virtual bool NoMoreIterations() { return CurrentIteration_ >= IterationCount_; }
+  // Builds the item list, logs it and calls SetIterationCount. False only
+  // when the loop cannot start (a property did not expand, an input file is
+  // missing); other failures raise.
+  virtual bool BeforeFirstIteration() = 0;
+  // Overrides call the inherited operation first.
+  virtual void AfterLastIteration() {}
+  virtual void AfterEachIteration() {}
+
+  void SetIterationCount(int Count) { IterationCount_ = Count; }
+  int GetIterationCount() const { return IterationCount_; }
+  // 1-based number of the current pass (0 before the first).
+  int GetCurrentIteration() const { return CurrentIteration_; }
+  void Reset() { CurrentIteration_ = 0; }
+  // Runner side: starts the next pass.
+  void NextIteration() { ++CurrentIteration_; }
+
+  bool Execute() override {
+    IZTLoopRunner* Runner = Host().GetLoopRunner();
+    if (!Runner) throw std::logic_error("this host does not run loop actions");
+    return Runner->ExecuteLoop(*this);
+  }
+  bool GetIsFlowControlAction() override { return true; }
+
+ private:
+  std::string ZTVariable_;
+  int IterationCount_ = 0;
+  int CurrentIteration_ = 0;
+};
+
+inline ZT_IMPLEMENT_CLASS(TZTBaseIterator, nullptr)
+
+}  // namespace zt::frame
