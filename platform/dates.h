@@ -10,13 +10,19 @@ namespace zt::platform {
 using TDateTime = double;
 
 TDateTime Now();  // current local date and time
+// Year 1-9999, Month 1-12, Day valid for the month; Hour 0-23, Min and Sec
+// 0-59, MSec 0-999. The Try forms return false on anything else; the plain
+// forms return 0 for it (Delphi raises; nothing here throws).
+bool TryEncodeDate(int Year, int Month, int Day, TDateTime& Out);
+bool TryEncodeTime(int Hour, int Min, int Sec, int MSec, TDateTime& Out);
 TDateTime EncodeDate(int Year, int Month, int Day);
 TDateTime EncodeTime(int Hour, int Min, int Sec, int MSec);
 void DecodeDate(TDateTime D, int& Year, int& Month, int& Day);
 void DecodeTime(TDateTime D, int& Hour, int& Min, int& Sec, int& MSec);
 
 // DOS packed local date and time <-> TDateTime. DateTimeToFileDate rounds
-// seconds down to even; FileDateToDateTime of an invalid stamp gives 0.
+// seconds down to even and gives 0 outside 1980-2107; FileDateToDateTime of
+// an invalid stamp gives 0.
 int DateTimeToFileDate(TDateTime D);
 TDateTime FileDateToDateTime(int FileDate);
 
@@ -24,7 +30,9 @@ TDateTime FileDateToDateTime(int FileDate);
 TDateTime UnixToDateTime(std::time_t T);
 std::time_t DateTimeToUnix(TDateTime D);
 
-// ISO 8601 "YYYY-MM-DDTHH:MM:SS" (local) <-> TDateTime; false on bad text.
+// ISO 8601 "YYYY-MM-DDTHH:MM:SS" (local) <-> TDateTime. Parsing also takes
+// a date alone, a blank instead of "T", minutes without seconds and
+// fractions of a second; false on anything else.
 bool TryParseIsoDateTime(const std::string& Text, TDateTime& Out);
 std::string FormatIsoDateTime(TDateTime D);
 

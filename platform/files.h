@@ -56,8 +56,10 @@ using LPPROGRESS_ROUTINE = DWORD (*)(std::int64_t TotalFileSize, std::int64_t To
                                      DWORD StreamNumber, DWORD CallbackReason, void* Data);
 
 // Copies a file with Windows semantics: COPY_FILE_FAIL_IF_EXISTS gives
-// ERROR_FILE_EXISTS (80); a read-only target gives ERROR_ACCESS_DENIED; the
-// target gets the source's attributes (plus archive) and last-write time.
+// ERROR_FILE_EXISTS (80); a read-only, hidden or system target gives
+// ERROR_ACCESS_DENIED (5); a copy onto itself ERROR_SHARING_VIOLATION (32);
+// a failed copy leaves an existing target untouched. The target gets the
+// source's attributes (plus archive) and last-write time.
 // *Cancel (may be null) is polled between chunks; when it becomes non-zero,
 // or Progress returns PROGRESS_CANCEL, the copy stops with
 // ERROR_REQUEST_ABORTED and no partial target is left. Any failure in mid-copy
@@ -71,7 +73,9 @@ bool CopyFileExA(const std::string& Existing, const std::string& New, LPPROGRESS
 // flushes before returning.
 bool MoveFileWithProgressA(const std::string& Existing, const std::string& New, LPPROGRESS_ROUTINE Progress,
                            void* Data, DWORD Flags);
-bool MoveFileA(const std::string& Existing, const std::string& New);  // same volume only
+// Win32's MoveFile: MoveFileWithProgressA with MOVEFILE_COPY_ALLOWED, so a
+// file may cross file systems; a directory may not (ERROR_NOT_SAME_DEVICE).
+bool MoveFileA(const std::string& Existing, const std::string& New);
 
 bool CreateDirectory(const std::string& Path);  // parent must exist (3); existing: 183
 bool ForceDirectories(const std::string& Path);  // creates every missing level
@@ -85,7 +89,9 @@ bool DirectoryExists(const std::string& Path);
 using THandle = std::intptr_t;
 constexpr THandle INVALID_HANDLE_VALUE = -1;
 THandle FileOpen(const std::string& Path, int Mode);
-THandle FileCreate(const std::string& Path);  // create or truncate, read/write
+// Creates or truncates, read/write. An existing read-only, hidden or system
+// file gives ERROR_ACCESS_DENIED (Windows will not recreate it as normal).
+THandle FileCreate(const std::string& Path);
 int FileRead(THandle Handle, void* Buffer, int Count);         // bytes read, -1 on error
 int FileWrite(THandle Handle, const void* Buffer, int Count);  // bytes written, -1 on error
 std::int64_t FileSeek(THandle Handle, std::int64_t Offset, int Origin);  // 0 begin, 1 current, 2 end
@@ -95,11 +101,12 @@ std::int64_t FileSizeOf(const std::string& Path);  // -1 when missing
 // Last-write time in the DOS packed local format (two-second resolution).
 int FileAge(const std::string& Path);                 // -1 when missing
 int FileGetDate(THandle Handle);                      // -1 on failure
-int FileSetDate(const std::string& Path, int Age);    // 0, or a Windows error code
+int FileSetDate(const std::string& Path, int Age);    // opens for writing: read-only gives 5
 int FileSetDate(THandle Handle, int Age);             // 0, or a Windows error code
 
-// Replaces Path with Contents atomically (a new file renamed over the old
-// one): readers see the old file or the new one, never half a file.
+// Replaces Path with Contents atomically (a new file, flushed, renamed over
+// the old one): readers see the old file or the new one, never half a file.
+// A read-only Path gives ERROR_ACCESS_DENIED and stays as it was.
 bool WriteFileAtomically(const std::string& Path, const std::string& Contents);
 // Reads a whole file into Contents; false with the last error set on failure.
 bool ReadWholeFile(const std::string& Path, std::string& Contents);

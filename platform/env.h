@@ -1,0 +1,173 @@
+// The one replaceable object behind the file services of files.h.
+//
+// Env has two kinds of operations:
+//  - services with Win32 semantics (find, attributes, copy, move, handles ...),
+//    which the free functions of files.h forward to, and
+//  - primitives the POSIX services are built from (file information, one copy
+//    chunk, the stored DOS attribute bits).
+// Services reach their primitives through Env::Default(), never through
+// `this`, so a test that installs an EnvWrapper overriding a primitive sees
+// every chunk a copy writes and every entry a search visits, and can make
+// either fail (disk full in mid-file, a file vanishing in mid-walk).
+//
+// Every operation reports failure with a Windows error code: the DWORD
+// returners give it directly (0 = success); the others set the last-error
+// code (errors.h) and return the Win32 failure value.
+// Thread use: any thread. Installing a replacement is not synchronised with
+// calls running at the same time: tests install one before they start work.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "platform/files.h"
+#include "platform/win_types.h"
+
+namespace zt::platform {
+
+// What the file system knows about one path (symbolic links followed).
+struct FileInfo {
+  DWORD Attributes = 0;              // FILE_ATTRIBUTE_* bits; NORMAL when no other bit is set
+  std::int64_t Size = 0;             // bytes; 0 for directories
+  std::int64_t LastWriteSeconds = 0;  // seconds since 1970-01-01 UTC
+  std::int32_t LastWriteNanoseconds = 0;
+  std::uint64_t Device = 0;  // Device and Inode together identify the file:
+  std::uint64_t Inode = 0;   // two paths with equal pairs name the same file
+};
+
+// Per-search state of FindFirst / FindNext, owned by the search record.
+// Each Env derives its own; a search is finished by the Env that started it.
+class FindState {
+ public:
+  virtual ~FindState() = default;
+};
+
+class Env {
+ public:
+  virtual ~Env() = default;
+
+  // The Env in use: the platform's own unless a replacement is installed.
+  static Env* Default();
+  // Installs Replacement (not owned; must outlive its use; null restores the
+  // platform's own) and returns the Env it replaces.
+  static Env* SetDefault(Env* Replacement);
+  // The operating system's own Env, whatever is installed.
+  static Env* Platform();
+
+  // ---- Primitives ----
+
+  // Fills Info for Path. 0, or ERROR_FILE_NOT_FOUND / ERROR_PATH_NOT_FOUND
+  // when Path (or a directory on the way) does not exist.
+  virtual DWORD QueryFileInfo(const std::string& Path, FileInfo& Info) = 0;
+  // Copies at most MaxBytes from the current position of From to the current
+  // position of To, both advancing; Copied receives the count (0 only at the
+  // end of From). 0, or the Windows error of the failed read or write.
+  virtual DWORD CopyChunk(THandle From, THandle To, std::int64_t MaxBytes, std::int64_t& Copied) = 0;
+  // Stores the hidden, system and archive bits of Bits beside the file,
+  // replacing what was stored (other bits are ignored). 0, or
+  // ERROR_NOT_SUPPORTED when the file system cannot keep them.
+  virtual DWORD WriteDosAttributes(const std::string& Path, DWORD Bits) = 0;
+
+  // ---- Services (contracts in files.h) ----
+
+  virtual int FindFirst(const std::string& Path, int Attr, TSearchRec& F) = 0;
+  virtual int FindNext(TSearchRec& F) = 0;
+  virtual void FindClose(TSearchRec& F) = 0;
+
+  virtual DWORD GetFileAttributesA(const std::string& Path) = 0;
+  virtual bool SetFileAttributesA(const std::string& Path, DWORD Attributes) = 0;
+
+  virtual bool DeleteFile(const std::string& Path) = 0;
+  virtual bool RemoveDirectory(const std::string& Path) = 0;
+  virtual bool CreateDirectory(const std::string& Path) = 0;
+
+  virtual bool CopyFileExA(const std::string& Existing, const std::string& New, LPPROGRESS_ROUTINE Progress,
+                           void* Data, BOOL* Cancel, DWORD CopyFlags) = 0;
+  virtual bool MoveFileWithProgressA(const std::string& Existing, const std::string& New,
+                                     LPPROGRESS_ROUTINE Progress, void* Data, DWORD Flags) = 0;
+
+  virtual THandle FileOpen(const std::string& Path, int Mode) = 0;
+  virtual THandle FileCreate(const std::string& Path) = 0;
+  virtual int FileRead(THandle Handle, void* Buffer, int Count) = 0;
+  virtual int FileWrite(THandle Handle, const void* Buffer, int Count) = 0;
+  virtual std::int64_t FileSeek(THandle Handle, std::int64_t Offset, int Origin) = 0;
+  virtual void FileClose(THandle Handle) = 0;
+
+  virtual int FileGetDate(THandle Handle) = 0;
+  virtual int FileSetDate(THandle Handle, int Age) = 0;
+
+  virtual bool WriteFileAtomically(const std::string& Path, const std::string& Contents) = 0;
+};
+
+// Forwards every operation to Target. Tests derive from it and override the
+// operations they want to fail.
+class EnvWrapper : public Env {
+ public:
+  explicit EnvWrapper(Env* Target) : Target_(Target) {}
+  Env* Target() const { return Target_; }
+
+  DWORD QueryFileInfo(const std::string& Path, FileInfo& Info) override {
+    return Target_->QueryFileInfo(Path, Info);
+  }
+  DWORD CopyChunk(THandle From, THandle To, std::int64_t MaxBytes, std::int64_t& Copied) override {
+    return Target_->CopyChunk(From, To, MaxBytes, Copied);
+  }
+  DWORD WriteDosAttributes(const std::string& Path, DWORD Bits) override {
+    return Target_->WriteDosAttributes(Path, Bits);
+  }
+  int FindFirst(const std::string& Path, int Attr, TSearchRec& F) override {
+    return Target_->FindFirst(Path, Attr, F);
+  }
+  int FindNext(TSearchRec& F) override { return Target_->FindNext(F); }
+  void FindClose(TSearchRec& F) override { Target_->FindClose(F); }
+  DWORD GetFileAttributesA(const std::string& Path) override { return Target_->GetFileAttributesA(Path); }
+  bool SetFileAttributesA(const std::string& Path, DWORD Attributes) override {
+    return Target_->SetFileAttributesA(Path, Attributes);
+  }
+  bool DeleteFile(const std::string& Path) override { return Target_->DeleteFile(Path); }
+  bool RemoveDirectory(const std::string& Path) override { return Target_->RemoveDirectory(Path); }
+  bool CreateDirectory(const std::string& Path) override { return Target_->CreateDirectory(Path); }
+  bool CopyFileExA(const std::string& Existing, const std::string& New, LPPROGRESS_ROUTINE Progress, void* Data,
+                   BOOL* Cancel, DWORD CopyFlags) override {
+    return Target_->CopyFileExA(Existing, New, Progress, Data, Cancel, CopyFlags);
+  }
+  bool MoveFileWithProgressA(const std::string& Existing, const std::string& New, LPPROGRESS_ROUTINE Progress,
+                             void* Data, DWORD Flags) override {
+    return Target_->MoveFileWithProgressA(Existing, New, Progress, Data, Flags);
+  }
+  THandle FileOpen(const std::string& Path, int Mode) override { return Target_->FileOpen(Path, Mode); }
+  THandle FileCreate(const std::string& Path) override { return Target_->FileCreate(Path); }
+  int FileRead(THandle Handle, void* Buffer, int Count) override {
+    return Target_->FileRead(Handle, Buffer, Count);
+  }
+  int FileWrite(THandle Handle, const void* Buffer, int Count) override {
+    return Target_->FileWrite(Handle, Buffer, Count);
+  }
+  std::int64_t FileSeek(THandle Handle, std::int64_t Offset, int Origin) override {
+    return Target_->FileSeek(Handle, Offset, Origin);
+  }
+  void FileClose(THandle Handle) override { Target_->FileClose(Handle); }
+  int FileGetDate(THandle Handle) override { return Target_->FileGetDate(Handle); }
+  int FileSetDate(THandle Handle, int Age) override { return Target_->FileSetDate(Handle, Age); }
+  bool WriteFileAtomically(const std::string& Path, const std::string& Contents) override {
+    return Target_->WriteFileAtomically(Path, Contents);
+  }
+
+ private:
+  Env* Target_;
+};
+
+// Installs Replacement for the lifetime of the object, then restores the
+// Env that was installed before.
+class ScopedEnv {
+ public:
+  explicit ScopedEnv(Env* Replacement) : Previous_(Env::SetDefault(Replacement)) {}
+  ~ScopedEnv() { Env::SetDefault(Previous_); }
+  ScopedEnv(const ScopedEnv&) = delete;
+  ScopedEnv& operator=(const ScopedEnv&) = delete;
+
+ private:
+  Env* Previous_;
+};
+
+}  // namespace zt::platform

@@ -1,0 +1,129 @@
+// The free functions of files.h: the services forward to the installed Env;
+// the few built from other services live here, once for every platform.
+#include "platform/files.h"
+
+#include "platform/dates.h"
+#include "platform/env.h"
+#include "platform/errors.h"
+#include "platform/paths.h"
+
+namespace zt::platform {
+
+int FindFirst(const std::string& Path, int Attr, TSearchRec& F) { return Env::Default()->FindFirst(Path, Attr, F); }
+int FindNext(TSearchRec& F) { return Env::Default()->FindNext(F); }
+void FindClose(TSearchRec& F) { Env::Default()->FindClose(F); }
+
+DWORD GetFileAttributesA(const std::string& Path) { return Env::Default()->GetFileAttributesA(Path); }
+bool SetFileAttributesA(const std::string& Path, DWORD Attributes) {
+  return Env::Default()->SetFileAttributesA(Path, Attributes);
+}
+
+bool DeleteFile(const std::string& Path) { return Env::Default()->DeleteFile(Path); }
+bool RemoveDirectory(const std::string& Path) { return Env::Default()->RemoveDirectory(Path); }
+bool CreateDirectory(const std::string& Path) { return Env::Default()->CreateDirectory(Path); }
+
+bool CopyFileExA(const std::string& Existing, const std::string& New, LPPROGRESS_ROUTINE Progress, void* Data,
+                 BOOL* Cancel, DWORD CopyFlags) {
+  return Env::Default()->CopyFileExA(Existing, New, Progress, Data, Cancel, CopyFlags);
+}
+
+bool MoveFileWithProgressA(const std::string& Existing, const std::string& New, LPPROGRESS_ROUTINE Progress,
+                           void* Data, DWORD Flags) {
+  return Env::Default()->MoveFileWithProgressA(Existing, New, Progress, Data, Flags);
+}
+
+// Win32's MoveFile is MoveFileEx with MOVEFILE_COPY_ALLOWED.
+bool MoveFileA(const std::string& Existing, const std::string& New) {
+  return Env::Default()->MoveFileWithProgressA(Existing, New, nullptr, nullptr, MOVEFILE_COPY_ALLOWED);
+}
+
+// Delphi's rule: create the parent levels first, then this one.
+bool ForceDirectories(const std::string& Path) {
+  std::string Dir = ExcludeTrailingPathDelimiter(NormalizeDelimiters(Path));
+  if (Dir.empty()) {
+    SetLastError(ERROR_PATH_NOT_FOUND);
+    return false;
+  }
+  if (DirectoryExists(Dir)) return true;
+  std::string Parent = ExtractFileDir(Dir);
+  if (!Parent.empty() && Parent != Dir && !ForceDirectories(Parent)) return false;
+  return CreateDirectory(Dir);
+}
+
+bool FileExists(const std::string& Path) {
+  FileInfo Info;
+  return Env::Default()->QueryFileInfo(Path, Info) == 0 && !(Info.Attributes & FILE_ATTRIBUTE_DIRECTORY);
+}
+
+bool DirectoryExists(const std::string& Path) {
+  FileInfo Info;
+  return Env::Default()->QueryFileInfo(Path, Info) == 0 && (Info.Attributes & FILE_ATTRIBUTE_DIRECTORY);
+}
+
+THandle FileOpen(const std::string& Path, int Mode) { return Env::Default()->FileOpen(Path, Mode); }
+THandle FileCreate(const std::string& Path) { return Env::Default()->FileCreate(Path); }
+int FileRead(THandle Handle, void* Buffer, int Count) { return Env::Default()->FileRead(Handle, Buffer, Count); }
+int FileWrite(THandle Handle, const void* Buffer, int Count) {
+  return Env::Default()->FileWrite(Handle, Buffer, Count);
+}
+std::int64_t FileSeek(THandle Handle, std::int64_t Offset, int Origin) {
+  return Env::Default()->FileSeek(Handle, Offset, Origin);
+}
+void FileClose(THandle Handle) { Env::Default()->FileClose(Handle); }
+
+std::int64_t FileSizeOf(const std::string& Path) {
+  FileInfo Info;
+  DWORD Error = Env::Default()->QueryFileInfo(Path, Info);
+  if (Error != 0) {
+    SetLastError(Error);
+    return -1;
+  }
+  return Info.Size;
+}
+
+int FileAge(const std::string& Path) {
+  FileInfo Info;
+  DWORD Error = Env::Default()->QueryFileInfo(Path, Info);
+  if (Error != 0 || (Info.Attributes & FILE_ATTRIBUTE_DIRECTORY)) {
+    SetLastError(Error != 0 ? Error : ERROR_FILE_NOT_FOUND);
+    return -1;
+  }
+  return DateTimeToFileDate(UnixToDateTime(static_cast<std::time_t>(Info.LastWriteSeconds)));
+}
+
+int FileGetDate(THandle Handle) { return Env::Default()->FileGetDate(Handle); }
+// Delphi's way: open for writing (so a read-only file gives 5), set, close.
+int FileSetDate(const std::string& Path, int Age) {
+  THandle H = FileOpen(Path, fmOpenWrite);
+  if (H == INVALID_HANDLE_VALUE) return static_cast<int>(GetLastError());
+  int Result = FileSetDate(H, Age);
+  FileClose(H);
+  return Result;
+}
+int FileSetDate(THandle Handle, int Age) { return Env::Default()->FileSetDate(Handle, Age); }
+
+bool WriteFileAtomically(const std::string& Path, const std::string& Contents) {
+  return Env::Default()->WriteFileAtomically(Path, Contents);
+}
+
+bool ReadWholeFile(const std::string& Path, std::string& Contents) {
+  Contents.clear();
+  THandle H = FileOpen(Path, fmOpenRead | fmShareDenyNone);
+  if (H == INVALID_HANDLE_VALUE) return false;
+  char Buffer[65536];
+  for (;;) {
+    int N = FileRead(H, Buffer, sizeof Buffer);
+    if (N < 0) {
+      DWORD Error = GetLastError();
+      FileClose(H);
+      SetLastError(Error);
+      return false;
+    }
+    if (N == 0) break;
+    Contents.append(Buffer, static_cast<size_t>(N));
+  }
+  FileClose(H);
+  return true;
+}
+
+}  // namespace zt::platform

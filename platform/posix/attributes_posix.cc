@@ -1,0 +1,103 @@
+// Windows attributes on POSIX:
+//   read-only  no write permission bit (set: remove every w; clear: owner w back)
+//   hidden     a leading dot, or the bit stored in user.DOSATTRIB
+//   system, archive   stored in user.DOSATTRIB ("0x" + hex, as Samba and Wine)
+//   directory  from the file type
+//   normal     when no other bit is set
+#include <errno.h>
+#include <sys/stat.h>
+#include <sys/xattr.h>
+
+#include <cstdio>
+#include <cstdlib>
+
+#include "platform/paths.h"
+#include "platform/posix/posix_env.h"
+
+namespace zt::platform::posix {
+
+bool IsDotHidden(const std::string& Path) {
+  std::string Name = ExtractFileName(ExcludeTrailingPathDelimiter(Path));
+  return !Name.empty() && Name[0] == '.' && Name != "." && Name != "..";
+}
+
+DWORD ReadStoredBits(const std::string& Path) {
+  char Value[64];
+  ssize_t N = getxattr(Path.c_str(), kDosAttributeName, Value, sizeof Value - 1);
+  if (N < 3) return 0;  // none stored, or no extended attributes here
+  Value[N] = '\0';
+  if (Value[0] != '0' || (Value[1] != 'x' && Value[1] != 'X')) return 0;  // a binary form we do not read
+  return static_cast<DWORD>(std::strtoul(Value + 2, nullptr, 16)) & kStoredBits;
+}
+
+DWORD AttributesOf(const std::string& Path, const struct stat& St) {
+  DWORD A = ReadStoredBits(Path);
+  if (IsDotHidden(Path)) A |= FILE_ATTRIBUTE_HIDDEN;
+  if (IsReadOnlyMode(St.st_mode)) A |= FILE_ATTRIBUTE_READONLY;
+  if (S_ISDIR(St.st_mode)) A |= FILE_ATTRIBUTE_DIRECTORY;
+  return A ? A : FILE_ATTRIBUTE_NORMAL;
+}
+
+void FillInfo(const std::string& Path, const struct stat& St, FileInfo& Info) {
+  Info.Attributes = AttributesOf(Path, St);
+  Info.Size = S_ISDIR(St.st_mode) ? 0 : St.st_size;
+  Info.LastWriteSeconds = St.st_mtim.tv_sec;
+  Info.LastWriteNanoseconds = static_cast<std::int32_t>(St.st_mtim.tv_nsec);
+  Info.Device = St.st_dev;
+  Info.Inode = St.st_ino;
+}
+
+DWORD PosixEnv::QueryFileInfo(const std::string& Path, FileInfo& Info) {
+  struct stat St;
+  // A dangling symbolic link is still an entry: describe the link itself.
+  if (stat(Path.c_str(), &St) != 0) {
+    int Error = errno;
+    if (Error != ENOENT || lstat(Path.c_str(), &St) != 0) return PathError(Error, Path);
+  }
+  FillInfo(Path, St, Info);
+  return ERROR_SUCCESS;
+}
+
+DWORD PosixEnv::WriteDosAttributes(const std::string& Path, DWORD Bits) {
+  Bits &= kStoredBits;
+  if (Bits == 0) {
+    if (removexattr(Path.c_str(), kDosAttributeName) == 0 || errno == ENODATA || errno == ENOTSUP)
+      return ERROR_SUCCESS;
+    return PathError(errno, Path);
+  }
+  char Value[16];
+  int Len = std::snprintf(Value, sizeof Value, "0x%x", static_cast<unsigned>(Bits));
+  if (setxattr(Path.c_str(), kDosAttributeName, Value, static_cast<size_t>(Len), 0) == 0) return ERROR_SUCCESS;
+  return errno == ENOTSUP ? ERROR_NOT_SUPPORTED : PathError(errno, Path);
+}
+
+DWORD PosixEnv::GetFileAttributesA(const std::string& Path) {
+  FileInfo Info;
+  DWORD Error = Env::Default()->QueryFileInfo(Path, Info);
+  if (Error != ERROR_SUCCESS) {
+    SetLastError(Error);
+    return INVALID_FILE_ATTRIBUTES;
+  }
+  return Info.Attributes;
+}
+
+bool PosixEnv::SetFileAttributesA(const std::string& Path, DWORD Attributes) {
+  struct stat St;
+  if (stat(Path.c_str(), &St) != 0) return Fail(PathError(errno, Path));
+  // The name already hides a dot file: store hidden only where the name does not.
+  DWORD Stored = Attributes & kStoredBits;
+  if (IsDotHidden(Path)) Stored &= ~FILE_ATTRIBUTE_HIDDEN;
+  // Stored bits first: when the file system cannot keep them nothing changes.
+  if (Stored != ReadStoredBits(Path)) {
+    DWORD Error = Env::Default()->WriteDosAttributes(Path, Stored);
+    if (Error != ERROR_SUCCESS) return Fail(Error);
+  }
+  mode_t Mode = St.st_mode & 07777;
+  mode_t NewMode = (Attributes & FILE_ATTRIBUTE_READONLY) ? Mode & ~mode_t{S_IWUSR | S_IWGRP | S_IWOTH}
+                   : IsReadOnlyMode(Mode)                 ? Mode | S_IWUSR
+                                                          : Mode;
+  if (NewMode != Mode && chmod(Path.c_str(), NewMode) != 0) return Fail(PathError(errno, Path));
+  return true;
+}
+
+}  // namespace zt::platform::posix

@@ -1,0 +1,140 @@
+// Delphi file handles on POSIX (a handle is the descriptor).
+//
+// "Deny writers" (fmShareDenyWrite, fmShareExclusive) on a handle opened for
+// reading is a read lease (fcntl F_SETLEASE F_RDLCK): the kernel refuses it
+// while any process has the file open for writing, and while it is held an
+// open for writing or truncating is broken off. Every open for writing here
+// is non-blocking, so it meets a lease with EWOULDBLOCK and fails at once
+// with ERROR_SHARING_VIOLATION, as on Windows. Closing the handle releases
+// the lease. Limits are in docs/platform.md.
+#include <errno.h>
+#include <fcntl.h>
+#include <signal.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <mutex>
+
+#include "platform/dates.h"
+#include "platform/posix/posix_env.h"
+
+namespace zt::platform::posix {
+
+namespace {
+
+// A broken lease is signalled with SIGIO, whose default action ends the
+// process. The layer takes SIGIO over only when nobody else has.
+void IgnoreLeaseBreakSignal() {
+  static std::once_flag Once;
+  std::call_once(Once, [] {
+    struct sigaction Current;
+    if (sigaction(SIGIO, nullptr, &Current) == 0 && Current.sa_handler == SIG_DFL) signal(SIGIO, SIG_IGN);
+  });
+}
+
+// Takes the read lease: 0, or ERROR_SHARING_VIOLATION while the file is open
+// for writing. Where no lease can be had for another reason (a file system
+// without leases, a file of another owner without CAP_LEASE) the handle
+// stays open without it.
+DWORD DenyWriters(int Fd) {
+  IgnoreLeaseBreakSignal();
+  if (fcntl(Fd, F_SETLEASE, F_RDLCK) == 0) return ERROR_SUCCESS;
+  return errno == EAGAIN || errno == EBUSY ? ERROR_SHARING_VIOLATION : ERROR_SUCCESS;
+}
+
+DWORD OpenError(int Errno, const std::string& Path) {
+  return Errno == EWOULDBLOCK ? ERROR_SHARING_VIOLATION : PathError(Errno, Path);
+}
+
+THandle Failed(DWORD Error) {
+  SetLastError(Error);
+  return INVALID_HANDLE_VALUE;
+}
+
+}  // namespace
+
+THandle PosixEnv::FileOpen(const std::string& Path, int Mode) {
+  const int Access = Mode & 3, Share = Mode & 0xF0;
+  if (Access == 3) return Failed(ERROR_INVALID_PARAMETER);
+  const bool Writing = Access != fmOpenRead;
+  struct stat St;
+  if (Writing && stat(Path.c_str(), &St) == 0 && CheckWritable(St) != ERROR_SUCCESS)
+    return Failed(ERROR_ACCESS_DENIED);
+  int Flags = O_CLOEXEC | (Access == fmOpenWrite ? O_WRONLY : Access == fmOpenReadWrite ? O_RDWR : O_RDONLY);
+  if (Writing) Flags |= O_NONBLOCK;
+  int Fd = open(Path.c_str(), Flags);
+  if (Fd < 0) return Failed(OpenError(errno, Path));
+  if (fstat(Fd, &St) != 0 || S_ISDIR(St.st_mode)) {  // Windows opens no directory as a file
+    close(Fd);
+    return Failed(ERROR_ACCESS_DENIED);
+  }
+  if (!Writing && (Share == fmShareDenyWrite || Share == fmShareExclusive)) {
+    if (DWORD Error = DenyWriters(Fd)) {
+      close(Fd);
+      return Failed(Error);
+    }
+  }
+  return Fd;
+}
+
+THandle PosixEnv::FileCreate(const std::string& Path) {
+  struct stat St;
+  if (stat(Path.c_str(), &St) == 0) {
+    if (CheckWritable(St) != ERROR_SUCCESS) return Failed(ERROR_ACCESS_DENIED);
+    // Windows will not recreate a hidden or system file as a normal one.
+    if (ReadStoredBits(Path) & (FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM)) return Failed(ERROR_ACCESS_DENIED);
+  }
+  int Fd = open(Path.c_str(), O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC | O_NONBLOCK, 0666);
+  if (Fd < 0) return Failed(OpenError(errno, Path));
+  return Fd;
+}
+
+int PosixEnv::FileRead(THandle Handle, void* Buffer, int Count) {
+  if (Count < 0) return SetLastError(ERROR_INVALID_PARAMETER), -1;
+  for (;;) {
+    ssize_t N = read(static_cast<int>(Handle), Buffer, static_cast<size_t>(Count));
+    if (N >= 0) return static_cast<int>(N);
+    if (errno != EINTR) return SetLastError(ErrnoToWindowsError(errno)), -1;
+  }
+}
+
+int PosixEnv::FileWrite(THandle Handle, const void* Buffer, int Count) {
+  if (Count < 0) return SetLastError(ERROR_INVALID_PARAMETER), -1;
+  const char* P = static_cast<const char*>(Buffer);
+  int Done = 0;
+  while (Done < Count) {
+    ssize_t N = write(static_cast<int>(Handle), P + Done, static_cast<size_t>(Count - Done));
+    if (N < 0 && errno == EINTR) continue;
+    if (N < 0) return SetLastError(ErrnoToWindowsError(errno)), -1;  // Windows fails the whole write
+    Done += static_cast<int>(N);
+  }
+  return Done;
+}
+
+std::int64_t PosixEnv::FileSeek(THandle Handle, std::int64_t Offset, int Origin) {
+  static const int Whence[] = {SEEK_SET, SEEK_CUR, SEEK_END};
+  if (Origin < 0 || Origin > 2) return SetLastError(ERROR_INVALID_PARAMETER), -1;
+  off_t Result = lseek(static_cast<int>(Handle), static_cast<off_t>(Offset), Whence[Origin]);
+  if (Result < 0) return SetLastError(errno == EINVAL ? ERROR_NEGATIVE_SEEK : ErrnoToWindowsError(errno)), -1;
+  return Result;
+}
+
+void PosixEnv::FileClose(THandle Handle) {
+  if (Handle >= 0) close(static_cast<int>(Handle));  // also releases a lease
+}
+
+int PosixEnv::FileGetDate(THandle Handle) {
+  struct stat St;
+  if (fstat(static_cast<int>(Handle), &St) != 0) return SetLastError(ErrnoToWindowsError(errno)), -1;
+  return DateTimeToFileDate(UnixToDateTime(St.st_mtim.tv_sec));
+}
+
+int PosixEnv::FileSetDate(THandle Handle, int Age) {
+  TDateTime When = FileDateToDateTime(Age);
+  if (When == 0) return static_cast<int>(ERROR_INVALID_PARAMETER);
+  struct timespec Times[2] = {{0, UTIME_OMIT}, {DateTimeToUnix(When), 0}};
+  if (futimens(static_cast<int>(Handle), Times) != 0) return static_cast<int>(ErrnoToWindowsError(errno));
+  return 0;
+}
+
+}  // namespace zt::platform::posix

@@ -1,0 +1,103 @@
+// FindFirst / FindNext on POSIX: directory order, "." and ".." included,
+// Windows wildcards, Delphi's attribute-mask rule.
+#include <dirent.h>
+#include <errno.h>
+
+#include "platform/dates.h"
+#include "platform/paths.h"
+#include "platform/posix/posix_env.h"
+
+namespace zt::platform::posix {
+
+namespace {
+
+class PosixFindState final : public FindState {
+ public:
+  PosixFindState(DIR* Dir, std::string Prefix, std::string Pattern)
+      : Dir_(Dir), Prefix_(std::move(Prefix)), Pattern_(std::move(Pattern)) {}
+  ~PosixFindState() override {
+    if (Dir_) closedir(Dir_);
+  }
+  PosixFindState(const PosixFindState&) = delete;
+  PosixFindState& operator=(const PosixFindState&) = delete;
+
+  // The next entry that matches the pattern and passes the mask; false at
+  // the end. An entry that vanishes between listing and reading is skipped.
+  bool Next(int ExcludeAttr, std::string& Name, FileInfo& Info) {
+    if (!Dir_) return false;
+    while (struct dirent* E = readdir(Dir_)) {
+      if (!MatchesWildcard(E->d_name, Pattern_)) continue;
+      if (Env::Default()->QueryFileInfo(Prefix_ + E->d_name, Info) != ERROR_SUCCESS) continue;
+      if (static_cast<int>(Info.Attributes) & ExcludeAttr) continue;
+      Name = E->d_name;
+      return true;
+    }
+    return false;
+  }
+
+ private:
+  DIR* Dir_;            // null for a search that named one file exactly
+  std::string Prefix_;  // the directory part, delimiter included
+  std::string Pattern_;
+};
+
+void Fill(TSearchRec& F, std::string Name, const FileInfo& Info) {
+  F.Name = std::move(Name);
+  F.Attr = static_cast<int>(Info.Attributes);
+  F.Size = Info.Size;
+  F.Time = DateTimeToFileDate(UnixToDateTime(static_cast<std::time_t>(Info.LastWriteSeconds)));
+}
+
+bool HasWildcards(const std::string& Pattern) {
+  if (Pattern.find_first_of("*?") != std::string::npos) return true;
+  // "name." means "name" to Windows; the matcher knows, a plain look-up not.
+  return Pattern != "." && Pattern != ".." && Pattern.back() == '.';
+}
+
+}  // namespace
+
+int PosixEnv::FindFirst(const std::string& Path, int Attr, TSearchRec& F) {
+  F.State.reset();
+  F.ExcludeAttr = ~Attr & (faHidden | faSysFile | faVolumeID | faDirectory);
+  std::string Prefix = ExtractFilePath(Path);
+  std::string Pattern = ExtractFileName(Path);
+  if (Pattern.empty()) return static_cast<int>(ERROR_FILE_NOT_FOUND);
+
+  FileInfo Info;
+  if (!HasWildcards(Pattern)) {
+    // One exact name: look it up instead of listing the directory.
+    DWORD Error = Env::Default()->QueryFileInfo(Path, Info);
+    if (Error != ERROR_SUCCESS) return static_cast<int>(Error);
+    if (static_cast<int>(Info.Attributes) & F.ExcludeAttr) return static_cast<int>(ERROR_FILE_NOT_FOUND);
+    F.State = std::make_shared<PosixFindState>(nullptr, Prefix, Pattern);
+    Fill(F, Pattern, Info);
+    return 0;
+  }
+
+  DIR* Dir = opendir(Prefix.empty() ? "." : Prefix.c_str());
+  if (!Dir) {
+    int Error = errno;
+    return static_cast<int>(Error == ENOENT || Error == ENOTDIR ? ERROR_PATH_NOT_FOUND
+                                                                : ErrnoToWindowsError(Error));
+  }
+  auto State = std::make_shared<PosixFindState>(Dir, Prefix, Pattern);
+  std::string Name;
+  if (!State->Next(F.ExcludeAttr, Name, Info)) return static_cast<int>(ERROR_FILE_NOT_FOUND);
+  F.State = std::move(State);
+  Fill(F, std::move(Name), Info);
+  return 0;
+}
+
+int PosixEnv::FindNext(TSearchRec& F) {
+  auto* State = dynamic_cast<PosixFindState*>(F.State.get());
+  if (!State) return static_cast<int>(ERROR_INVALID_HANDLE);
+  std::string Name;
+  FileInfo Info;
+  if (!State->Next(F.ExcludeAttr, Name, Info)) return static_cast<int>(ERROR_NO_MORE_FILES);
+  Fill(F, std::move(Name), Info);
+  return 0;
+}
+
+void PosixEnv::FindClose(TSearchRec& F) { F.State.reset(); }
+
+}  // namespace zt::platform::posix

@@ -1,0 +1,97 @@
+// The POSIX Env and the helpers its files share. Internal to platform/posix.
+#pragma once
+
+#include <sys/stat.h>
+
+#include <string>
+
+#include "platform/env.h"
+#include "platform/errors.h"
+
+namespace zt::platform::posix {
+
+class PosixEnv final : public Env {
+ public:
+  DWORD QueryFileInfo(const std::string& Path, FileInfo& Info) override;
+  DWORD CopyChunk(THandle From, THandle To, std::int64_t MaxBytes, std::int64_t& Copied) override;
+  DWORD WriteDosAttributes(const std::string& Path, DWORD Bits) override;
+
+  int FindFirst(const std::string& Path, int Attr, TSearchRec& F) override;
+  int FindNext(TSearchRec& F) override;
+  void FindClose(TSearchRec& F) override;
+
+  DWORD GetFileAttributesA(const std::string& Path) override;
+  bool SetFileAttributesA(const std::string& Path, DWORD Attributes) override;
+
+  bool DeleteFile(const std::string& Path) override;
+  bool RemoveDirectory(const std::string& Path) override;
+  bool CreateDirectory(const std::string& Path) override;
+
+  bool CopyFileExA(const std::string& Existing, const std::string& New, LPPROGRESS_ROUTINE Progress, void* Data,
+                   BOOL* Cancel, DWORD CopyFlags) override;
+  bool MoveFileWithProgressA(const std::string& Existing, const std::string& New, LPPROGRESS_ROUTINE Progress,
+                             void* Data, DWORD Flags) override;
+
+  THandle FileOpen(const std::string& Path, int Mode) override;
+  THandle FileCreate(const std::string& Path) override;
+  int FileRead(THandle Handle, void* Buffer, int Count) override;
+  int FileWrite(THandle Handle, const void* Buffer, int Count) override;
+  std::int64_t FileSeek(THandle Handle, std::int64_t Offset, int Origin) override;
+  void FileClose(THandle Handle) override;
+
+  int FileGetDate(THandle Handle) override;
+  int FileSetDate(THandle Handle, int Age) override;
+
+  bool WriteFileAtomically(const std::string& Path, const std::string& Contents) override;
+};
+
+// The extended attribute that keeps hidden, system and archive (the Samba
+// and Wine convention: text "0x" + hex).
+inline constexpr const char* kDosAttributeName = "user.DOSATTRIB";
+inline constexpr DWORD kStoredBits = FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM | FILE_ATTRIBUTE_ARCHIVE;
+
+// The Windows error for a failed call on Path: ENOENT is "file not found"
+// when Path's directory exists and "path not found" when it does not.
+DWORD PathError(int Errno, const std::string& Path);
+
+// Sets the last-error code and returns false (the Win32 failure value).
+inline bool Fail(DWORD Error) {
+  SetLastError(Error);
+  return false;
+}
+
+// Windows' read-only attribute: no write permission bit at all.
+inline bool IsReadOnlyMode(mode_t Mode) { return (Mode & (S_IWUSR | S_IWGRP | S_IWOTH)) == 0; }
+
+// Attributes of an existing file from its stat data and name (reads the
+// stored DOS bits).
+DWORD AttributesOf(const std::string& Path, const struct stat& St);
+// The stored DOS bits (kStoredBits) of Path; 0 when none are stored.
+DWORD ReadStoredBits(const std::string& Path);
+// True for a name the platform hides: a leading dot, except "." and "..".
+bool IsDotHidden(const std::string& Path);
+
+// Fills Info from stat data.
+void FillInfo(const std::string& Path, const struct stat& St, FileInfo& Info);
+
+// Checks that Path may be replaced or written: 0, or ERROR_ACCESS_DENIED for
+// a read-only file or a directory.
+DWORD CheckWritable(const struct stat& St);
+
+// The copy behind CopyFileExA and a move across file systems: into a
+// temporary file beside New, renamed into place at the end; on any failure
+// or cancel the temporary file is removed and New is left as it was.
+struct CopyOptions {
+  bool FailIfExists = false;
+  DWORD ExistsError = ERROR_FILE_EXISTS;  // what an existing New gives when FailIfExists
+  bool WriteThrough = false;              // flush the data before the rename
+};
+bool CopyWithProgress(const std::string& Existing, const std::string& New, LPPROGRESS_ROUTINE Progress,
+                      void* Data, BOOL* Cancel, const CopyOptions& Options);
+
+// A unique temporary file next to Target (same directory, so renaming it
+// over Target is atomic). Returns the descriptor and fills TempPath, or -1
+// with the Windows error in Error.
+int CreateTempBeside(const std::string& Target, std::string& TempPath, DWORD& Error);
+
+}  // namespace zt::platform::posix
