@@ -1,0 +1,175 @@
+#include "host/runner.h"
+
+#include <stdio.h>
+#include <stdlib.h>
+
+#include <chrono>
+#include <thread>
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include "host/json_log.h"
+#include "host/project_loader.h"
+#include "test_action.h"
+
+namespace zt::host {
+namespace {
+
+using nlohmann::json;
+using testing::TTestAction;
+
+// Runs a project with a JSON log in memory and keeps the parsed events.
+class RunnerTest : public ::testing::Test {
+ protected:
+  RunnerTest() { zt::testing::RegisterTestAction(Registry); }
+
+  void Load(const std::string& Yaml) { P = LoadProjectText(Yaml, "p.yml", Registry); }
+  TTestAction& Action(std::size_t I) { return static_cast<TTestAction&>(*P.Actions.at(I).Action); }
+
+  BuildResult Run(const VariableList& Overrides = {}, std::function<void(Runner&)> During = nullptr) {
+    char* Buf = nullptr;
+    size_t Size = 0;
+    BuildResult R;
+    {
+      BuildLog Log;
+      Log.AddSink(std::make_unique<JsonLog>(open_memstream(&Buf, &Size)));
+      Runner Host(P, Log, Overrides);
+      std::thread Other;
+      if (During) Other = std::thread([&] { During(Host); });
+      R = Host.Run();
+      if (Other.joinable()) Other.join();
+    }
+    std::string Text(Buf, Size);
+    free(Buf);
+    Events.clear();
+    std::size_t Start = 0;
+    for (std::size_t End; (End = Text.find('\n', Start)) != std::string::npos; Start = End + 1)
+      Events.push_back(json::parse(Text.substr(Start, End - Start)));
+    return R;
+  }
+
+  // Events without the fields that change from run to run.
+  std::vector<json> Stable() const {
+    std::vector<json> R;
+    for (json E : Events) {
+      if (E["event"] == "build-start") {
+        EXPECT_EQ(E["time"].get<std::string>().size(), 20u);
+        E.erase("time");
+      }
+      if (E["event"] == "build-end") {
+        EXPECT_GE(E["duration_ms"].get<int>(), 0);
+        E.erase("duration_ms");
+      }
+      R.push_back(E);
+    }
+    return R;
+  }
+
+  ActionRegistry Registry;
+  Project P;
+  std::vector<json> Events;
+};
+
+TEST_F(RunnerTest, SuccessfulBuildLogsEveryEventInOrder) {
+  Load("name: Demo\nvariables:\n  N: 1\nactions:\n  - action: Test Action\n    Text: hello\n    Count: 2\n");
+  EXPECT_EQ(Run(), BuildResult::Success);
+  std::vector<json> Expected = {
+      json::parse(R"({"event":"build-start","project":"Demo"})"),
+      json::parse(R"({"event":"action-start","id":"1","title":"Test Action","class":"TTestAction",
+                      "description":"Test Action [ hello ]"})"),
+      json::parse(R"({"event":"status","id":"1","text":"","details":["line 1","line 2"]})"),
+      json::parse(R"({"event":"progress","id":"1","text":"half","percent":50})"),
+      json::parse(R"({"event":"action-end","id":"1","result":"success"})"),
+      json::parse(R"({"event":"variables","values":{"N":1,"LastText":"hello"}})"),
+      json::parse(R"({"event":"build-end","result":"success"})"),
+  };
+  EXPECT_EQ(Stable(), Expected);
+}
+
+TEST_F(RunnerTest, BuildStopsAtFirstFailureThatIsNotIgnored) {
+  Load(R"(actions:
+  - action: Test Action
+    ignoreFailure: true
+    Flag: false
+    Count: 0
+  - action: Test Action
+    enabled: false
+  - action: Test Action
+    Flag: false
+    Count: 0
+  - action: Test Action
+)");
+  EXPECT_EQ(Run(), BuildResult::Failure);
+  std::vector<std::string> Ends;
+  for (const auto& E : Events)
+    if (E["event"] == "action-end") Ends.push_back(E["id"].get<std::string>() + " " + E["result"].get<std::string>());
+  EXPECT_EQ(Ends, (std::vector<std::string>{"1 ignored", "2 skipped", "3 failure"}));
+  EXPECT_FALSE(Action(3).Started);
+  EXPECT_EQ(Events.back()["result"], "failure");
+  EXPECT_EQ(Events[Events.size() - 2]["event"], "variables");
+}
+
+TEST_F(RunnerTest, ExceptionFromExecuteFailsTheActionWithAHostLine) {
+  Load("actions:\n  - action: Test Action\n");
+  Action(0).Behaviour = "throw";
+  EXPECT_EQ(Run(), BuildResult::Failure);
+  EXPECT_EQ(Events[2], json::parse(R"({"event":"message","id":"1","text":"disk on fire","host":true})"));
+  EXPECT_EQ(Events[3], json::parse(R"({"event":"action-end","id":"1","result":"failure"})"));
+}
+
+TEST_F(RunnerTest, ExpansionUsesProjectVariablesAndOverrides) {
+  Load("variables:\n  Who: world\n  Ver: 1\nactions:\n  - action: Test Action\n    Text: \"%who% %VER% %DOSCMD% 100%%\"\n");
+  Action(0).Behaviour = "expand";
+  EXPECT_EQ(Run({{"VER", "1.4.2"}}), BuildResult::Success);
+  EXPECT_EQ(Events[2], json::parse(R"({"event":"message","id":"1","text":"world 1.4.2 /bin/sh 100%"})"));
+}
+
+TEST_F(RunnerTest, UndefinedVariableInExpandExpressionFailsWithItsName) {
+  Load("actions:\n  - action: Test Action\n    Text: \"%Nope%\"\n");
+  Action(0).Behaviour = "expand";
+  EXPECT_EQ(Run(), BuildResult::Failure);
+  EXPECT_EQ(Events[2]["text"], "Variable \"Nope\" is not defined");
+  EXPECT_EQ(Events[2]["host"], true);
+}
+
+TEST_F(RunnerTest, FailedTryExpandLogsOneHostLineNamingPropertyAndVariable) {
+  Load("actions:\n  - action: Test Action\n    Text: \"a %Nope% b\"\n");
+  Action(0).Behaviour = "tryexpand";
+  EXPECT_EQ(Run(), BuildResult::Failure);
+  ASSERT_EQ(Events.size(), 6u);
+  EXPECT_EQ(Events[2], json::parse(R"({"event":"message","id":"1",
+      "text":"Cannot expand Text Caption: variable \"Nope\" is not defined","host":true})"));
+}
+
+TEST_F(RunnerTest, StopRequestTerminatesRunningActionAndEndsBuildStopped) {
+  Load("actions:\n  - action: Test Action\n  - action: Test Action\n");
+  Action(0).Behaviour = "wait";
+  auto Stopper = [this](Runner& Host) {
+    while (!Action(0).Started) std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    Host.RequestStop();
+  };
+  EXPECT_EQ(Run({}, Stopper), BuildResult::Stopped);
+  EXPECT_TRUE(Action(0).Terminated);
+  EXPECT_FALSE(Action(1).Started);
+  EXPECT_EQ(Events.back()["result"], "stopped");
+  EXPECT_EQ(Events[Events.size() - 2]["event"], "variables");
+}
+
+TEST(JsonLogTest, ValuesKeepTheirTypesAndBadUtf8IsReplaced) {
+  EXPECT_EQ(JsonValue(true), json(true));
+  EXPECT_EQ(JsonValue(std::int64_t{5}), json(5));
+  EXPECT_EQ(JsonValue("x"), json("x"));
+  EXPECT_EQ(JsonValue(frame::TZTVariant()), json(nullptr));
+  char* Buf = nullptr;
+  size_t Size = 0;
+  {
+    JsonLog Log(open_memstream(&Buf, &Size));
+    Log.Message("2.1", "caf\xe9", false);
+  }
+  EXPECT_EQ(std::string(Buf, Size), "{\"event\":\"message\",\"id\":\"2.1\",\"text\":\"caf\xef\xbf\xbd\"}\n");
+  free(Buf);
+}
+
+}  // namespace
+}  // namespace zt::host

@@ -1,0 +1,69 @@
+#include "test_action.h"
+
+#include <chrono>
+#include <thread>
+
+namespace zt::testing {
+
+ZT_IMPLEMENT_CLASS(TTestAction, &TTestAction::Publish)
+
+void TTestAction::Publish(frame::TZTPublisher<TTestAction>& P) {
+  P.String("Text", &TTestAction::GetText, &TTestAction::SetText);
+  P.Boolean("Flag", &TTestAction::GetFlag, &TTestAction::SetFlag);
+  P.Integer("Count", &TTestAction::GetCount, &TTestAction::SetCount);
+  P.Enumeration("Mode", "TTestMode", {"tmOne", "tmTwo", "tmThree"}, &TTestAction::GetMode, &TTestAction::SetMode);
+  P.Set("Options", "TTestOptions", {"toFirst", "toSecond", "toThird"}, &TTestAction::GetOptions,
+        &TTestAction::SetOptions);
+  P.StringList("Lines", &TTestAction::GetLines, &TTestAction::SetLines);
+  P.DateTime("When", &TTestAction::GetWhen, &TTestAction::SetWhen);
+  P.WideString("Path", &TTestAction::GetPath, &TTestAction::SetPath);
+  P.WideString("Folder", &TTestAction::GetFolder, &TTestAction::SetFolder);
+  P.Integer("ResultCount", &TTestAction::GetResultCount);
+  P.Integer("Shown", &TTestAction::GetShown, &TTestAction::SetShown);
+}
+
+bool TTestAction::Execute() {
+  Started = true;
+  if (Behaviour == "throw") throw std::runtime_error("disk on fire");
+  if (Behaviour == "expand") {
+    SendMessage(ExpandExpression(Text_));
+    return true;
+  }
+  if (Behaviour == "tryexpand") {
+    std::string R;
+    if (!TryExpandExpression("Text Caption", Text_, false, R)) return false;
+    SendMessage(R);
+    return true;
+  }
+  if (Behaviour == "wait") {
+    while (!StopSignalled() || !Terminated) std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    SendMessage("terminated");
+    return false;
+  }
+  auto Entry = CreateStatusMessage();
+  for (int I = 1; I <= Count_; ++I) Entry->Details().Add("line " + std::to_string(I));
+  SendStatusMessage(Entry);
+  SendProgress("half", 50);
+  SetVariable("LastText", Text_);
+  return Behaviour == "ok" && Flag_;
+}
+
+bool TTestAction::Validate(frame::IZTActionValidationError& Errors) {
+  if (Text_.empty()) Errors.AddError("Text Caption", "Text is required");
+  if (Count_ < 0) Errors.AddError("Count Caption", "Count must not be negative");
+  return !Text_.empty() && Count_ >= 0;
+}
+
+void TTestAction::GetPropertyAlias(frame::TStrings& L) {
+  L.Add("[Test]");
+  L.Add("Text=Text Caption");
+  L.Add("Count=Count Caption");
+}
+
+void TTestAction::GetPropertyHelp(frame::TStrings& L) { L.Add("Text=The text to log"); }
+
+void RegisterTestAction(host::ActionRegistry& Registry) {
+  Registry.RegisterAction("Test Action", "Misc", TTestAction::ClassType(), "TESTICON");
+}
+
+}  // namespace zt::testing

@@ -1,0 +1,76 @@
+// A small action type for the host's unit tests: one property of every kind,
+// a coupled pair of setters, and an Execute whose outcome the test chooses.
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <stdexcept>
+#include <string>
+
+#include "frame/ZTAction.h"
+#include "host/registry_of_actions.h"
+
+namespace zt::testing {
+
+enum TTestMode { tmOne, tmTwo, tmThree };
+
+class TTestAction : public frame::TCustomZTAction {
+  ZT_DECLARE_CLASS(TTestAction, frame::TCustomZTAction)
+
+ public:
+  static std::string GetActionName() { return "Test Action"; }
+  static void Publish(frame::TZTPublisher<TTestAction>& P);
+
+  bool Execute() override;
+  std::string GetFormattedDescription() override { return GetTitle() + " [ " + Text_ + " ]"; }
+  bool Validate(frame::IZTActionValidationError& Errors) override;
+  void GetPropertyAlias(frame::TStrings& L) override;
+  void GetPropertyHelp(frame::TStrings& L) override;
+  void GetReadOnlyProperties(frame::TStrings& L) override { L.Add("Shown"); }
+  bool CanTerminate() override { return true; }
+  void TerminateAction() override { Terminated = true; }
+
+  const std::string& GetText() const { return Text_; }
+  void SetText(const std::string& V) { Text_ = V; }
+  bool GetFlag() const { return Flag_; }
+  void SetFlag(bool V) { Flag_ = V; }
+  int GetCount() const { return Count_; }
+  void SetCount(int V) { Count_ = V; }
+  TTestMode GetMode() const { return Mode_; }
+  void SetMode(TTestMode V) { Mode_ = V; }
+  std::int64_t GetOptions() const { return Options_; }
+  void SetOptions(std::int64_t V) { Options_ = V; }
+  const std::string& GetLines() const { return Lines_; }
+  void SetLines(const std::string& V) { Lines_ = V; }
+  double GetWhen() const { return When_; }
+  void SetWhen(double V) { When_ = V; }
+  // Coupled: a path sets the folder to its directory part.
+  const std::string& GetPath() const { return Path_; }
+  void SetPath(const std::string& V) {
+    Path_ = V;
+    Folder_ = V.substr(0, V.rfind('/') == std::string::npos ? 0 : V.rfind('/'));
+  }
+  const std::string& GetFolder() const { return Folder_; }
+  void SetFolder(const std::string& V) { Folder_ = V; }
+  int GetResultCount() const { return 7; }
+  int GetShown() const { return Shown_; }
+  void SetShown(int V) { Shown_ = V; }
+
+  // What Execute does, set by tests: "ok", "fail", "throw", "expand", "tryexpand", "wait".
+  std::string Behaviour = "ok";
+  std::atomic<bool> Terminated{false};
+  std::atomic<bool> Started{false};
+
+ private:
+  std::string Text_ = "text", Lines_, Path_, Folder_;
+  bool Flag_ = true;
+  int Count_ = 3, Shown_ = 0;
+  TTestMode Mode_ = tmTwo;
+  std::int64_t Options_ = 0;
+  double When_ = 0;
+};
+
+// Registers TTestAction as "Test Action" in Registry.
+void RegisterTestAction(host::ActionRegistry& Registry);
+
+}  // namespace zt::testing

@@ -1,0 +1,61 @@
+#include "host/variables.h"
+
+#include <stdlib.h>
+
+#include <gtest/gtest.h>
+
+namespace zt::host {
+namespace {
+
+TEST(VariablesTest, ProjectVariableWinsOverPredefinedAndEnvironment) {
+  setenv("ZT_TEST_SHADOWED", "from-env", 1);
+  Variables V("/p/project.yml");
+  EXPECT_EQ(V.Lookup("ZT_TEST_SHADOWED")->AsString(), "from-env");
+  EXPECT_EQ(V.Lookup("DOSCMD")->AsString(), "/bin/sh");
+  V.Set("zt_test_shadowed", "from-project");
+  V.Set("doscmd", "/bin/bash");
+  EXPECT_EQ(V.Lookup("ZT_TEST_SHADOWED")->AsString(), "from-project");
+  EXPECT_EQ(V.Lookup("DOSCMD")->AsString(), "/bin/bash");
+  unsetenv("ZT_TEST_SHADOWED");
+}
+
+TEST(VariablesTest, PredefinedNameTheProjectAndVersion) {
+  Variables V("/p/sub/project.yml");
+  EXPECT_EQ(V.Lookup("ZT_PROJECT_DIR")->AsString(), "/p/sub");
+  EXPECT_EQ(V.Lookup("zt_project_file")->AsString(), "/p/sub/project.yml");
+  EXPECT_EQ(V.Lookup("ZT_VERSION")->AsString(), "0.1.0");
+}
+
+TEST(VariablesTest, EnvironmentIsLookedUpByExactName) {
+  setenv("ZtTestExact", "yes", 1);
+  Variables V;
+  EXPECT_EQ(V.Lookup("ZtTestExact")->AsString(), "yes");
+  EXPECT_FALSE(V.Lookup("ZTTESTEXACT").has_value());
+  EXPECT_TRUE(V.IsDefined("ZtTestExact"));
+  EXPECT_FALSE(V.IsDefined("NoSuchVariableAnywhere"));
+  unsetenv("ZtTestExact");
+}
+
+TEST(VariablesTest, CaseInsensitiveNamesKeepTheirFirstSpellingAndOrder) {
+  Variables V;
+  V.Set("Out", "a");
+  V.Set("Count", std::int64_t{1});
+  V.Set("OUT", "b");
+  ASSERT_EQ(V.Project().size(), 2u);
+  EXPECT_EQ(V.Project()[0].first, "Out");
+  EXPECT_EQ(V.Project()[0].second.AsString(), "b");
+  EXPECT_EQ(V.Project()[1].first, "Count");
+}
+
+TEST(VariablesTest, TypedValuesFromText) {
+  EXPECT_EQ(TypedValueOf("true"), frame::TZTVariant(true));
+  EXPECT_EQ(TypedValueOf("FALSE"), frame::TZTVariant(false));
+  EXPECT_EQ(TypedValueOf("-42"), frame::TZTVariant(std::int64_t{-42}));
+  EXPECT_EQ(TypedValueOf("1.4.2"), frame::TZTVariant("1.4.2"));
+  EXPECT_EQ(TypedValueOf("12abc"), frame::TZTVariant("12abc"));
+  EXPECT_EQ(TypedValueOf(""), frame::TZTVariant(""));
+  EXPECT_EQ(TypedValueOf("True").AsString(), "True");
+}
+
+}  // namespace
+}  // namespace zt::host
