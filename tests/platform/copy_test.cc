@@ -1,0 +1,182 @@
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <vector>
+
+#include "platform/env.h"
+#include "platform/errors.h"
+#include "platform/files.h"
+#include "tests/platform/file_util.h"
+#include "tests/support/TempDir.h"
+
+namespace zt::platform {
+namespace {
+
+using zt::testing::Exists;
+using zt::testing::ListNames;
+using zt::testing::ReadText;
+using zt::testing::TempDir;
+using zt::testing::WriteText;
+
+void MakeFile(const std::string& Path, std::int64_t Size) {
+  int Fd = open(Path.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
+  std::vector<char> Block(1 << 20, 'z');
+  for (std::int64_t Left = Size; Left > 0; Left -= static_cast<std::int64_t>(Block.size()))
+    ASSERT_GT(write(Fd, Block.data(), static_cast<size_t>(std::min<std::int64_t>(Left, Block.size()))), 0);
+  close(Fd);
+}
+
+struct Call {
+  std::int64_t Total, Transferred;
+  DWORD Reason;
+};
+
+struct Recorder {
+  std::vector<Call> Calls;
+  BOOL* CancelAfterFirstChunk = nullptr;
+  DWORD Answer = PROGRESS_CONTINUE;
+};
+
+DWORD Record(std::int64_t Total, std::int64_t Transferred, std::int64_t, std::int64_t, DWORD, DWORD Reason,
+             void* Data) {
+  auto* R = static_cast<Recorder*>(Data);
+  R->Calls.push_back({Total, Transferred, Reason});
+  if (R->CancelAfterFirstChunk && Reason == CALLBACK_CHUNK_FINISHED) *R->CancelAfterFirstChunk = 1;
+  return Reason == CALLBACK_CHUNK_FINISHED ? R->Answer : PROGRESS_CONTINUE;
+}
+
+TEST(CopyFile, CopiesDataAttributesPlusArchiveAndLastWriteTime) {
+  TempDir T;
+  WriteText(T / "src.txt", "hello");
+  struct timespec Times[2] = {{0, UTIME_OMIT}, {1700000000, 0}};
+  utimensat(AT_FDCWD, (T / "src.txt").c_str(), Times, 0);
+  ASSERT_TRUE(SetFileAttributesA(T / "src.txt", FILE_ATTRIBUTE_SYSTEM | FILE_ATTRIBUTE_READONLY));
+  Recorder R;
+  ASSERT_TRUE(CopyFileExA(T / "src.txt", T / "dst.txt", Record, &R, nullptr, 0));
+  EXPECT_EQ(ReadText(T / "dst.txt"), "hello");
+  EXPECT_EQ(GetFileAttributesA(T / "dst.txt"),
+            FILE_ATTRIBUTE_SYSTEM | FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_ARCHIVE);
+  EXPECT_EQ(FileAge(T / "dst.txt"), FileAge(T / "src.txt"));
+  struct stat St;
+  stat((T / "dst.txt").c_str(), &St);
+  EXPECT_EQ(St.st_mtim.tv_sec, 1700000000);
+  EXPECT_EQ(ListNames(T.Path()), (std::vector<std::string>{"dst.txt", "src.txt"}));
+  // At the start with nothing copied, then after the chunk with everything.
+  ASSERT_EQ(R.Calls.size(), 2u);
+  EXPECT_EQ(R.Calls[0].Reason, CALLBACK_STREAM_SWITCH);
+  EXPECT_EQ(R.Calls[0].Total, 5);
+  EXPECT_EQ(R.Calls[0].Transferred, 0);
+  EXPECT_EQ(R.Calls[1].Reason, CALLBACK_CHUNK_FINISHED);
+  EXPECT_EQ(R.Calls[1].Transferred, 5);
+}
+
+TEST(CopyFile, ProgressReportsEveryChunkOfALargeFile) {
+  TempDir T;
+  MakeFile(T / "big", 40 << 20);
+  Recorder R;
+  ASSERT_TRUE(CopyFileExA(T / "big", T / "copy", Record, &R, nullptr, 0));
+  ASSERT_GE(R.Calls.size(), 3u);
+  for (size_t I = 1; I < R.Calls.size(); ++I) {
+    EXPECT_EQ(R.Calls[I].Total, 40 << 20);
+    EXPECT_GT(R.Calls[I].Transferred, R.Calls[I - 1].Transferred);
+  }
+  EXPECT_EQ(R.Calls.back().Transferred, 40 << 20);
+  EXPECT_EQ(zt::testing::ReadText(T / "copy"), zt::testing::ReadText(T / "big"));
+}
+
+TEST(CopyFile, FailIfExistsGivesEightyAndLeavesTargetUntouched) {
+  TempDir T;
+  WriteText(T / "src.txt", "new");
+  WriteText(T / "dst.txt", "old");
+  EXPECT_FALSE(CopyFileExA(T / "src.txt", T / "dst.txt", nullptr, nullptr, nullptr, COPY_FILE_FAIL_IF_EXISTS));
+  EXPECT_EQ(GetLastError(), ERROR_FILE_EXISTS);
+  EXPECT_EQ(ReadText(T / "dst.txt"), "old");
+  EXPECT_TRUE(CopyFileExA(T / "src.txt", T / "dst.txt", nullptr, nullptr, nullptr, 0));
+  EXPECT_EQ(ReadText(T / "dst.txt"), "new");
+}
+
+TEST(CopyFile, ReadOnlyOrHiddenTargetIsRefusedAndUntouched) {
+  TempDir T;
+  WriteText(T / "src.txt", "new");
+  WriteText(T / "ro.txt", "old");
+  WriteText(T / "hid.txt", "old");
+  ASSERT_TRUE(SetFileAttributesA(T / "ro.txt", FILE_ATTRIBUTE_READONLY));
+  ASSERT_TRUE(SetFileAttributesA(T / "hid.txt", FILE_ATTRIBUTE_HIDDEN));
+  EXPECT_FALSE(CopyFileExA(T / "src.txt", T / "ro.txt", nullptr, nullptr, nullptr, 0));
+  EXPECT_EQ(GetLastError(), ERROR_ACCESS_DENIED);
+  EXPECT_EQ(ReadText(T / "ro.txt"), "old");
+  EXPECT_FALSE(CopyFileExA(T / "src.txt", T / "hid.txt", nullptr, nullptr, nullptr, 0));
+  EXPECT_EQ(GetLastError(), ERROR_ACCESS_DENIED);
+  EXPECT_EQ(ReadText(T / "hid.txt"), "old");
+}
+
+TEST(CopyFile, OntoItselfIsASharingViolation) {
+  TempDir T;
+  WriteText(T / "a.txt", "data");
+  EXPECT_FALSE(CopyFileExA(T / "a.txt", T / "a.txt", nullptr, nullptr, nullptr, 0));
+  EXPECT_EQ(GetLastError(), ERROR_SHARING_VIOLATION);
+  EXPECT_EQ(ReadText(T / "a.txt"), "data");
+}
+
+TEST(CopyFile, MissingSourceOrTargetFolder) {
+  TempDir T;
+  WriteText(T / "a.txt", "data");
+  EXPECT_FALSE(CopyFileExA(T / "none.txt", T / "b.txt", nullptr, nullptr, nullptr, 0));
+  EXPECT_EQ(GetLastError(), ERROR_FILE_NOT_FOUND);
+  EXPECT_FALSE(CopyFileExA(T / "a.txt", T / "nodir/b.txt", nullptr, nullptr, nullptr, 0));
+  EXPECT_EQ(GetLastError(), ERROR_PATH_NOT_FOUND);
+}
+
+TEST(CopyFile, CancelFlagInMidCopyAbortsAndLeavesNoTarget) {
+  TempDir T;
+  MakeFile(T / "big", 64 << 20);
+  BOOL Cancel = 0;
+  Recorder R;
+  R.CancelAfterFirstChunk = &Cancel;
+  EXPECT_FALSE(CopyFileExA(T / "big", T / "copy", Record, &R, &Cancel, 0));
+  EXPECT_EQ(GetLastError(), ERROR_REQUEST_ABORTED);
+  EXPECT_LT(R.Calls.back().Transferred, 64 << 20);
+  EXPECT_EQ(ListNames(T.Path()), (std::vector<std::string>{"big"}));
+}
+
+TEST(CopyFile, ProgressCancelKeepsTheOldTarget) {
+  TempDir T;
+  MakeFile(T / "big", 20 << 20);
+  WriteText(T / "copy", "old");
+  Recorder R;
+  R.Answer = PROGRESS_CANCEL;
+  EXPECT_FALSE(CopyFileExA(T / "big", T / "copy", Record, &R, nullptr, 0));
+  EXPECT_EQ(GetLastError(), ERROR_REQUEST_ABORTED);
+  EXPECT_EQ(ReadText(T / "copy"), "old");
+  EXPECT_EQ(ListNames(T.Path()), (std::vector<std::string>{"big", "copy"}));
+}
+
+// The disk fills up after the first chunk of a copy.
+class DiskFullAfterFirstChunk : public EnvWrapper {
+ public:
+  DiskFullAfterFirstChunk() : EnvWrapper(Env::Default()) {}
+  DWORD CopyChunk(THandle From, THandle To, std::int64_t MaxBytes, std::int64_t& Copied) override {
+    if (++Chunks > 1) {
+      Copied = 0;
+      return ERROR_DISK_FULL;
+    }
+    return EnvWrapper::CopyChunk(From, To, MaxBytes, Copied);
+  }
+  int Chunks = 0;
+};
+
+TEST(CopyFile, DiskFullInMidFileLeavesNoPartialTarget) {
+  TempDir T;
+  MakeFile(T / "big", 40 << 20);
+  DiskFullAfterFirstChunk Env;
+  ScopedEnv Installed(&Env);
+  EXPECT_FALSE(CopyFileExA(T / "big", T / "copy", nullptr, nullptr, nullptr, 0));
+  EXPECT_EQ(SysErrorMessage(GetLastError()), "There is not enough space on the disk");
+  EXPECT_EQ(Env.Chunks, 2);
+  EXPECT_EQ(ListNames(T.Path()), (std::vector<std::string>{"big"}));
+}
+
+}  // namespace
+}  // namespace zt::platform

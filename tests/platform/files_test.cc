@@ -1,0 +1,121 @@
+// Deleting files, creating and removing directories.
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include "platform/files.h"
+#include "tests/platform/file_util.h"
+#include "tests/support/TempDir.h"
+
+namespace zt::platform {
+namespace {
+
+using zt::testing::Exists;
+using zt::testing::TempDir;
+using zt::testing::WriteText;
+
+TEST(DeleteFile, RefusesReadOnlyFileEvenForRootUntilTheAttributeIsCleared) {
+  TempDir T;
+  WriteText(T / "a.txt", "x");
+  ASSERT_TRUE(SetFileAttributesA(T / "a.txt", FILE_ATTRIBUTE_READONLY));
+  EXPECT_FALSE(DeleteFile(T / "a.txt"));
+  EXPECT_EQ(GetLastError(), ERROR_ACCESS_DENIED);
+  EXPECT_TRUE(Exists(T / "a.txt"));
+  ASSERT_TRUE(SetFileAttributesA(T / "a.txt", FILE_ATTRIBUTE_NORMAL));
+  EXPECT_TRUE(DeleteFile(T / "a.txt"));
+  EXPECT_FALSE(Exists(T / "a.txt"));
+}
+
+TEST(DeleteFile, HiddenAndSystemFilesDeleteNormally) {
+  TempDir T;
+  WriteText(T / "h.txt", "x");
+  ASSERT_TRUE(SetFileAttributesA(T / "h.txt", FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM));
+  EXPECT_TRUE(DeleteFile(T / "h.txt"));
+  EXPECT_FALSE(Exists(T / "h.txt"));
+}
+
+TEST(DeleteFile, DirectoryMissingFileAndMissingFolder) {
+  TempDir T;
+  mkdir((T / "sub").c_str(), 0777);
+  EXPECT_FALSE(DeleteFile(T / "sub"));
+  EXPECT_EQ(GetLastError(), ERROR_ACCESS_DENIED);
+  EXPECT_TRUE(Exists(T / "sub"));
+  EXPECT_FALSE(DeleteFile(T / "missing.txt"));
+  EXPECT_EQ(GetLastError(), ERROR_FILE_NOT_FOUND);
+  EXPECT_FALSE(DeleteFile(T / "nodir/missing.txt"));
+  EXPECT_EQ(GetLastError(), ERROR_PATH_NOT_FOUND);
+}
+
+TEST(Directories, CreateNeedsTheParentAndRefusesExistingNames) {
+  TempDir T;
+  EXPECT_FALSE(CreateDirectory(T / "a/b"));
+  EXPECT_EQ(GetLastError(), ERROR_PATH_NOT_FOUND);
+  EXPECT_TRUE(CreateDirectory(T / "a"));
+  EXPECT_TRUE(DirectoryExists(T / "a"));
+  EXPECT_FALSE(CreateDirectory(T / "a"));
+  EXPECT_EQ(GetLastError(), ERROR_ALREADY_EXISTS);
+  WriteText(T / "f", "x");
+  EXPECT_FALSE(CreateDirectory(T / "f"));
+  EXPECT_EQ(GetLastError(), ERROR_ALREADY_EXISTS);
+}
+
+TEST(Directories, ForceCreatesEveryMissingLevel) {
+  TempDir T;
+  EXPECT_TRUE(ForceDirectories(T / "a/b/c/"));
+  EXPECT_TRUE(DirectoryExists(T / "a/b/c"));
+  EXPECT_TRUE(ForceDirectories(T / "a/b/c"));
+  WriteText(T / "f", "x");
+  EXPECT_FALSE(ForceDirectories(T / "f/g"));
+  EXPECT_FALSE(DirectoryExists(T / "f/g"));
+}
+
+TEST(Directories, RemoveOnlyEmptyDirectories) {
+  TempDir T;
+  mkdir((T / "d").c_str(), 0777);
+  WriteText(T / "d/a.txt", "x");
+  EXPECT_FALSE(RemoveDirectory(T / "d"));
+  EXPECT_EQ(GetLastError(), ERROR_DIR_NOT_EMPTY);
+  unlink((T / "d/a.txt").c_str());
+  EXPECT_TRUE(RemoveDirectory(T / "d"));
+  EXPECT_FALSE(Exists(T / "d"));
+  WriteText(T / "f", "x");
+  EXPECT_FALSE(RemoveDirectory(T / "f"));
+  EXPECT_EQ(GetLastError(), ERROR_DIRECTORY);
+}
+
+TEST(Files, ExistsTellsFilesFromDirectories) {
+  TempDir T;
+  WriteText(T / "f", "abc");
+  EXPECT_TRUE(FileExists(T / "f"));
+  EXPECT_FALSE(FileExists(T.Path()));
+  EXPECT_TRUE(DirectoryExists(T.Path()));
+  EXPECT_FALSE(DirectoryExists(T / "f"));
+  EXPECT_EQ(FileSizeOf(T / "f"), 3);
+  EXPECT_EQ(FileSizeOf(T / "g"), -1);
+}
+
+TEST(Files, WriteAtomicallyReplacesContentsAndLeavesNoTemporaryFile) {
+  TempDir T;
+  WriteText(T / "out.txt", "old");
+  ASSERT_TRUE(WriteFileAtomically(T / "out.txt", "new contents"));
+  EXPECT_EQ(zt::testing::ReadText(T / "out.txt"), "new contents");
+  ASSERT_TRUE(WriteFileAtomically(T / "fresh.txt", ""));
+  EXPECT_EQ(zt::testing::ListNames(T.Path()), (std::vector<std::string>{"fresh.txt", "out.txt"}));
+  std::string Back;
+  ASSERT_TRUE(ReadWholeFile(T / "out.txt", Back));
+  EXPECT_EQ(Back, "new contents");
+  EXPECT_FALSE(ReadWholeFile(T / "none.txt", Back));
+  EXPECT_EQ(GetLastError(), ERROR_FILE_NOT_FOUND);
+}
+
+TEST(Files, WriteAtomicallyRefusesReadOnlyTargetAndLeavesItUnchanged) {
+  TempDir T;
+  WriteText(T / "out.txt", "old");
+  ASSERT_TRUE(SetFileAttributesA(T / "out.txt", FILE_ATTRIBUTE_READONLY));
+  EXPECT_FALSE(WriteFileAtomically(T / "out.txt", "new"));
+  EXPECT_EQ(GetLastError(), ERROR_ACCESS_DENIED);
+  EXPECT_EQ(zt::testing::ReadText(T / "out.txt"), "old");
+  EXPECT_EQ(zt::testing::ListNames(T.Path()), (std::vector<std::string>{"out.txt"}));
+}
+
+}  // namespace
+}  // namespace zt::platform
