@@ -156,17 +156,18 @@ int DescribeCommand(const CommandOptions& O, std::ostream& Out, std::ostream& Er
 int ActionsCommand(const CommandOptions& O, std::ostream& Out, std::ostream& Err) {
   if (!LoadRegistry(O, O.Designer, Err)) return kExitCannotLoad;
   const auto& Actions = Registry().Actions();
-  std::size_t W[3] = {0, 0, 0};
+  std::size_t W[4] = {0, 0, 0, 0};
   for (const auto& A : Actions) {
     W[0] = std::max(W[0], A.Category.size());
     W[1] = std::max(W[1], A.DisplayName.size());
     W[2] = std::max(W[2], A.Class->ClassName.size());
+    W[3] = std::max(W[3], A.Icon.size());
   }
   auto Pad = [](const std::string& S, std::size_t Width) { return S + std::string(Width - S.size() + 2, ' '); };
   for (const auto& A : Actions) {
-    Out << Pad(A.Category, W[0]) << Pad(A.DisplayName, W[1]) << Pad(A.Class->ClassName, W[2]) << A.Icon;
-    if (!A.Class->IsAvailable()) Out << "  (not available yet)";
-    Out << "\n";
+    std::string Line = Pad(A.Category, W[0]) + Pad(A.DisplayName, W[1]) + Pad(A.Class->ClassName, W[2]) +
+                       (A.Class->IsAvailable() ? A.Icon : Pad(A.Icon, W[3]) + "(not available yet)");
+    Out << Line << "\n";
     if (!O.Designer) continue;
     for (const auto& E : Registry().EditorsOf(A))
       Out << "    editor " << E.Editor << " for " << (E.PropertyName.empty() ? "every property" : E.PropertyName)
@@ -197,7 +198,9 @@ int HelpCommand(const CommandOptions& O, std::ostream& Out, std::ostream& Err) {
   for (const auto& P : Type->Class->Properties()) {
     Out << "  " << P.Name << ": " << PropertyTypeText(P) << " = ";
     try {
-      Out << PropertyValueText(P, P.Get(*A));
+      std::string Value = PropertyValueText(P, P.Get(*A));
+      bool IsText = P.Kind == frame::TZTPropertyKind::String || P.Kind == frame::TZTPropertyKind::WideString;
+      Out << (IsText ? "\"" + Value + "\"" : Value);
     } catch (const std::exception&) {
       Out << "?";
     }

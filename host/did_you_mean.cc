@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cctype>
 
+#include <strings.h>
+
 namespace zt::host {
 
 namespace {
@@ -37,6 +39,10 @@ std::string NearestName(const std::string& Word, const std::vector<std::string>&
       Best = C;
     }
   }
+  // A word that begins a candidate ("Delete" for "Delete File(s)") points to it too.
+  if (Best.empty() && !Word.empty())
+    for (const auto& C : Candidates)
+      if (C.size() > Word.size() && strncasecmp(C.c_str(), Word.c_str(), Word.size()) == 0) return C;
   return Best;
 }
 

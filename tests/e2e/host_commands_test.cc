@@ -1,0 +1,110 @@
+// zt validate, describe, actions and help, and the command line itself.
+#include <gtest/gtest.h>
+
+#include "ZtRunner.h"
+#include "support/TempDir.h"
+
+namespace zt::testing {
+namespace {
+
+const char* kTree = R"(
+actions:
+  - action: Delete File(s)
+    title: Clean
+    FileSpec: out/*.o
+  - action: TDeleteFilesAction
+  - action: Copy File(s)
+    actions:
+      - action: Delete File(s)
+        FileSpec: x
+)";
+
+TEST(HostCommandsTest, ValidatePrintsOneLinePerErrorAndExitsOne) {
+  TempDir D;
+  ZtResult R = RunZt(D.Path(), kTree, {}, "validate");
+  EXPECT_EQ(R.ExitCode, 1) << R.Stderr;
+  EXPECT_EQ(R.Stdout, "2 Delete File(s): File Spec: The file spec has not been set\n");
+}
+
+TEST(HostCommandsTest, ValidateOfAValidProjectExitsZero) {
+  TempDir D;
+  ZtResult R = RunZt(D.Path(), "actions:\n  - action: Delete File(s)\n    FileSpec: a\n", {}, "validate");
+  EXPECT_EQ(R.ExitCode, 0);
+  EXPECT_EQ(R.Stdout, "project.yml: 1 action, no errors\n");
+  R = RunZt(D.Path(), "actions:\n  - action: Nothing\n", {}, "validate");
+  EXPECT_EQ(R.ExitCode, 2);
+}
+
+TEST(HostCommandsTest, DescribePrintsTheTreeIndentedByDepth) {
+  TempDir D;
+  ZtResult R = RunZt(D.Path(), kTree, {}, "describe");
+  EXPECT_EQ(R.ExitCode, 0) << R.Stderr;
+  EXPECT_EQ(R.Stdout.substr(0, R.Stdout.find("Copy")),
+            "Clean [ out/*.o ]\n"
+            "Delete File(s) [  ]\n");
+  EXPECT_EQ(R.Stdout.substr(R.Stdout.rfind('\n', R.Stdout.size() - 2) + 1), "  Delete File(s) [ x ]\n");
+}
+
+TEST(HostCommandsTest, ActionsListsTypesInRegistrationOrderAndMarksUnavailable) {
+  TempDir D;
+  ZtResult R = RunZtArgs(D.Path(), {"actions"});
+  EXPECT_EQ(R.ExitCode, 0) << R.Stderr;
+  std::vector<std::string> Lines;
+  for (std::size_t S = 0, E; (E = R.Stdout.find('\n', S)) != std::string::npos; S = E + 1)
+    Lines.push_back(R.Stdout.substr(S, E - S));
+  ASSERT_EQ(Lines.size(), 51u);
+  EXPECT_EQ(Lines[4].rfind("Files & Directories  Delete File(s) ", 0), 0u) << Lines[4];
+  EXPECT_NE(Lines[4].find(" TDeleteFilesAction "), std::string::npos);
+  EXPECT_EQ(Lines[4].find("not available yet"), std::string::npos);
+  for (const auto& L : Lines) {
+    auto Mark = L.find("(not available yet)");
+    if (Mark != std::string::npos) EXPECT_EQ(Mark + 19, L.size()) << L;
+  }
+}
+
+TEST(HostCommandsTest, ActionsDesignerAddsEditorsAndPagesBelowEachType) {
+  TempDir D;
+  ZtResult R = RunZtArgs(D.Path(), {"actions", "--designer"});
+  EXPECT_EQ(R.ExitCode, 0) << R.Stderr;
+  std::size_t Start = R.Stdout.find("Delete File(s)");
+  std::string Block = R.Stdout.substr(R.Stdout.find('\n', Start) + 1);
+  Block = Block.substr(0, Block.find("\nFiles & Directories"));
+  EXPECT_NE(Block.find("    editor TFileNameEditEx for FileSpec ("), std::string::npos) << Block;
+  EXPECT_NE(Block.find("    page TDeleteFilesFrame"), std::string::npos) << Block;
+}
+
+TEST(HostCommandsTest, HelpShowsPropertiesWithDefaultsCaptionsAndHelp) {
+  TempDir D;
+  ZtResult R = RunZtArgs(D.Path(), {"help", "delete file(s)"});
+  EXPECT_EQ(R.ExitCode, 0) << R.Stderr;
+  EXPECT_EQ(R.Stdout.rfind("Delete File(s) (TDeleteFilesAction), category Files & Directories, icon HDELETE_FILE\n", 0),
+            0u);
+  EXPECT_NE(R.Stdout.find("  FailIfNoFile: Boolean = true\n      caption: Fail If No File\n"), std::string::npos)
+      << R.Stdout;
+  EXPECT_NE(R.Stdout.find("Quick help: Plugins\\DeleteFiles.html\n"), std::string::npos);
+}
+
+TEST(HostCommandsTest, MisspeltCommandsAndActionsGetDidYouMean) {
+  TempDir D;
+  ZtResult R = RunZtArgs(D.Path(), {"hlep", "x"});
+  EXPECT_EQ(R.ExitCode, 2);
+  EXPECT_EQ(R.Stderr, "zt: unknown command \"hlep\"; did you mean \"help\"?\n");
+  R = RunZtArgs(D.Path(), {"help", "Delete File"});
+  EXPECT_EQ(R.ExitCode, 2);
+  EXPECT_EQ(R.Stderr, "zt: unknown action \"Delete File\"; did you mean \"Delete File(s)\"?\n");
+}
+
+TEST(HostCommandsTest, VersionAndHelpWorkEverywhere) {
+  TempDir D;
+  ZtResult R = RunZtArgs(D.Path(), {"--version"});
+  EXPECT_EQ(R.ExitCode, 0);
+  EXPECT_EQ(R.Stdout, "zt 0.1.0\n");
+  R = RunZtArgs(D.Path(), {"run", "--help"});
+  EXPECT_EQ(R.ExitCode, 0);
+  EXPECT_NE(R.Stdout.find("--log-json"), std::string::npos);
+  R = RunZtArgs(D.Path(), {});
+  EXPECT_EQ(R.ExitCode, 2);
+}
+
+}  // namespace
+}  // namespace zt::testing

@@ -1,0 +1,161 @@
+// zt run through the real binary: exit codes, the JSON log, --var, host
+// settings and load errors.
+#include <filesystem>
+#include <fstream>
+
+#include <gtest/gtest.h>
+
+#include "ZtRunner.h"
+#include "support/TempDir.h"
+
+namespace zt::testing {
+namespace {
+
+namespace fs = std::filesystem;
+
+void Touch(const std::string& Path) { std::ofstream(Path) << "x"; }
+
+TEST(HostRunTest, SuccessfulBuildDeletesFilesAndExitsZero) {
+  TempDir D;
+  fs::create_directory(D / "sub");
+  Touch(D / "sub/a.txt");
+  Touch(D / "sub/b.log");
+  ZtResult R = RunZt(D.Path(), R"(
+name: Clean
+variables:
+  DIR: sub
+actions:
+  - action: Delete File(s)
+    FileSpec: "%DIR%/*.txt"
+)");
+  EXPECT_EQ(R.ExitCode, 0) << R.Stderr;
+  EXPECT_FALSE(fs::exists(D / "sub/a.txt"));
+  EXPECT_TRUE(fs::exists(D / "sub/b.log"));
+  EXPECT_EQ(StatusDetails(R, "1"), (std::vector<std::string>{"Deleting files : sub/*.txt", "1 Files Deleted."}));
+  EXPECT_EQ(ActionResult(R, "1"), "success");
+  ASSERT_EQ(R.Events.size(), 6u);
+  EXPECT_EQ(R.Events[0]["project"], "Clean");
+  EXPECT_EQ(R.Events[1], nlohmann::json::parse(R"j({"event":"action-start","id":"1","title":"Delete File(s)",
+      "class":"TDeleteFilesAction","description":"Delete File(s) [ %DIR%/*.txt ]"})j"));
+  EXPECT_EQ(R.Events[4], nlohmann::json::parse(R"({"event":"variables","values":{"DIR":"sub"}})"));
+  EXPECT_EQ(R.Events[5]["result"], "success");
+  EXPECT_NE(R.Stdout.find("Build succeeded: 1 action in "), std::string::npos) << R.Stdout;
+}
+
+TEST(HostRunTest, VarOnTheCommandLineOverridesTheProjectValue) {
+  TempDir D;
+  fs::create_directory(D / "keep");
+  fs::create_directory(D / "other");
+  Touch(D / "keep/a.txt");
+  Touch(D / "other/a.txt");
+  ZtResult R = RunZt(D.Path(), "variables:\n  DIR: keep\nactions:\n  - action: Delete File(s)\n    FileSpec: \"%DIR%/*.txt\"\n",
+                     {"--var", "DIR=other", "--var", "N=5"});
+  EXPECT_EQ(R.ExitCode, 0) << R.Stderr;
+  EXPECT_TRUE(fs::exists(D / "keep/a.txt"));
+  EXPECT_FALSE(fs::exists(D / "other/a.txt"));
+  EXPECT_EQ(R.Events[R.Events.size() - 2]["values"], nlohmann::json::parse(R"({"DIR":"other","N":5})"));
+}
+
+TEST(HostRunTest, RunsInTheProjectFolderWhereverStarted) {
+  TempDir D;
+  fs::create_directories(D / "proj/sub");
+  Touch(D / "proj/sub/a.txt");
+  std::ofstream(D / "proj/project.yml") << "actions:\n  - action: Delete File(s)\n    FileSpec: sub/a.txt\n";
+  ZtResult R = RunZtArgs(D.Path(), {"run", "proj/project.yml", "--quiet"});
+  EXPECT_EQ(R.ExitCode, 0) << R.Stderr;
+  EXPECT_FALSE(fs::exists(D / "proj/sub/a.txt"));
+  EXPECT_EQ(R.Stdout.rfind("Build succeeded: 1 action in ", 0), 0u) << R.Stdout;
+}
+
+TEST(HostRunTest, IgnoredFailureGoesOnDisabledIsSkippedAndFailureStops) {
+  TempDir D;
+  Touch(D / "a.txt");
+  Touch(D / "b.txt");
+  ZtResult R = RunZt(D.Path(), R"(
+actions:
+  - action: Delete File(s)
+    FileSpec: missing/*.txt
+    ignoreFailure: true
+  - action: Delete File(s)
+    FileSpec: a.txt
+    enabled: false
+  - action: Delete File(s)
+    title: Must fail
+    FileSpec: nothing-here.txt
+  - action: Delete File(s)
+    FileSpec: b.txt
+)");
+  EXPECT_EQ(R.ExitCode, 1);
+  EXPECT_EQ(ActionResult(R, "1"), "ignored");
+  EXPECT_EQ(ActionResult(R, "2"), "skipped");
+  EXPECT_EQ(ActionResult(R, "3"), "failure");
+  EXPECT_EQ(ActionResult(R, "4"), "");
+  EXPECT_TRUE(fs::exists(D / "a.txt"));
+  EXPECT_TRUE(fs::exists(D / "b.txt"));
+  EXPECT_EQ(R.Events.back()["result"], "failure");
+  EXPECT_NE(R.Stdout.find("Build FAILED at [3] Must fail: 3 actions (1 ignored, 1 skipped) in "), std::string::npos)
+      << R.Stdout;
+}
+
+// Display name of the first type `zt actions` marks as not available yet, or "".
+std::string FirstUnavailableAction(const std::string& Dir) {
+  ZtResult R = RunZtArgs(Dir, {"actions"});
+  for (std::size_t S = 0, E; (E = R.Stdout.find('\n', S)) != std::string::npos; S = E + 1) {
+    std::string L = R.Stdout.substr(S, E - S);
+    if (L.find("(not available yet)") == std::string::npos) continue;
+    std::size_t Name = L.find_first_not_of(' ', L.find("  "));  // columns are apart by two or more spaces
+    return L.substr(Name, L.find("  ", Name) - Name);
+  }
+  return "";
+}
+
+TEST(HostRunTest, ActionNotAvailableYetFailsWithOneLine) {
+  TempDir D;
+  std::string Name = FirstUnavailableAction(D.Path());
+  if (Name.empty()) GTEST_SKIP() << "every action type is available";
+  ZtResult R = RunZt(D.Path(), "actions:\n  - action: \"" + Name + "\"\n");
+  EXPECT_EQ(R.ExitCode, 1);
+  EXPECT_EQ(Messages(R, "1"), (std::vector<std::string>{Name + " is not available yet"}));
+  EXPECT_EQ(ActionResult(R, "1"), "failure");
+}
+
+TEST(HostRunTest, LoadErrorsExitTwoWithOneLineNamingFileAndLine) {
+  TempDir D;
+  ZtResult R = RunZt(D.Path(), "actions:\n  - action: Delete File(s)\n    FileSepc: a.txt\n");
+  EXPECT_EQ(R.ExitCode, 2);
+  EXPECT_EQ(R.Stderr, "project.yml:3: Delete File(s): unknown property \"FileSepc\"; did you mean \"FileSpec\"?\n");
+  EXPECT_EQ(R.Stdout, "");
+  EXPECT_TRUE(R.Events.empty());
+
+  R = RunZt(D.Path(), "actions:\n  - action: Delete Files\n");
+  EXPECT_EQ(R.ExitCode, 2);
+  EXPECT_EQ(R.Stderr, "project.yml:2: unknown action \"Delete Files\"; did you mean \"Delete File(s)\"?\n");
+
+  R = RunZt(D.Path(), "actions:\n  - action: Delete File(s)\n    DeleteHidden: perhaps\n");
+  EXPECT_EQ(R.ExitCode, 2);
+  EXPECT_EQ(R.Stderr,
+            "project.yml:3: Delete File(s): property \"DeleteHidden\" expects a Boolean (true or false), got "
+            "\"perhaps\"\n");
+
+  R = RunZt(D.Path(), "actions: [\n");
+  EXPECT_EQ(R.ExitCode, 2);
+  EXPECT_EQ(R.Stderr, "project.yml:2: end of sequence flow not found\n");
+
+  R = RunZtArgs(D.Path(), {"run", "no-such-project.yml"});
+  EXPECT_EQ(R.ExitCode, 2);
+  EXPECT_EQ(R.Stderr, "no-such-project.yml: cannot open the project file\n");
+
+  R = RunZt(D.Path(), "actions: []\n", {"--var", "NOEQUALS"});
+  EXPECT_EQ(R.ExitCode, 2);
+  EXPECT_EQ(R.Stderr, "zt: --var expects NAME=VALUE, got \"NOEQUALS\"\n");
+}
+
+TEST(HostRunTest, MissingPackageExitsTwo) {
+  TempDir D;
+  ZtResult R = RunZt(D.Path(), "actions: []\n", {"--package", D / "none.so"});
+  EXPECT_EQ(R.ExitCode, 2);
+  EXPECT_EQ(R.Stderr.rfind("zt: cannot load the action package: ", 0), 0u) << R.Stderr;
+}
+
+}  // namespace
+}  // namespace zt::testing
