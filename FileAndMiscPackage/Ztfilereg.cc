@@ -3,6 +3,9 @@
 #include "Ztplaceholders.h"
 #include "Ztregistryreg.h"
 #include "Ztservices.h"
+#include "checksums/Ztfilecrcaction.h"
+#include "checksums/Ztfilemd5action.h"
+#include "files/Ztcopymove.h"
 #include "files/Ztdeletefilesaction.h"
 
 namespace zt::package {
