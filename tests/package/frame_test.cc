@@ -7,7 +7,6 @@
 
 #include "frame/ZTFileSet.h"
 #include "frame/ZTIterator.h"
-#include "frame/ZTStringBuilder.h"
 #include "frame/ZTUtils.h"
 
 namespace zt::testing {
@@ -78,15 +77,6 @@ TEST(HostStrings, StripQuotesRemovesOnePairOnly) {
   EXPECT_EQ(frame::StripQuotes("\"\"x\"\""), "\"x\"");
   EXPECT_EQ(frame::StripQuotes("\"open"), "\"open");
   EXPECT_EQ(frame::StripQuotes("\""), "\"");
-}
-
-TEST(HostStrings, StringBuilderAppendsWholeAndPartialTexts) {
-  frame::TZTStringBuilder B;
-  B.Append("abc");
-  B.Append("0123456", 2, 3);
-  EXPECT_EQ(B.Text(), "abc234");
-  B.Clear();
-  EXPECT_EQ(B.Text(), "");
 }
 
 }  // namespace
