@@ -13,17 +13,22 @@ actions:
     title: Clean
     FileSpec: out/*.o
   - action: TDeleteFilesAction
-  - action: Copy File(s)
+  - action: Delete File(s)
+    title: Parent
+    FileSpec: "*.tmp"
     actions:
       - action: Delete File(s)
         FileSpec: x
+      - action: Delete File(s)
 )";
 
 TEST(HostCommandsTest, ValidatePrintsOneLinePerErrorAndExitsOne) {
   TempDir D;
   ZtResult R = RunZt(D.Path(), kTree, {}, "validate");
   EXPECT_EQ(R.ExitCode, 1) << R.Stderr;
-  EXPECT_EQ(R.Stdout, "2 Delete File(s): File Spec: The file spec has not been set\n");
+  EXPECT_EQ(R.Stdout,
+            "2 Delete File(s): File Spec: The file spec has not been set\n"
+            "3.2 Delete File(s): File Spec: The file spec has not been set\n");
 }
 
 TEST(HostCommandsTest, ValidateOfAValidProjectExitsZero) {
@@ -39,10 +44,12 @@ TEST(HostCommandsTest, DescribePrintsTheTreeIndentedByDepth) {
   TempDir D;
   ZtResult R = RunZt(D.Path(), kTree, {}, "describe");
   EXPECT_EQ(R.ExitCode, 0) << R.Stderr;
-  EXPECT_EQ(R.Stdout.substr(0, R.Stdout.find("Copy")),
+  EXPECT_EQ(R.Stdout,
             "Clean [ out/*.o ]\n"
-            "Delete File(s) [  ]\n");
-  EXPECT_EQ(R.Stdout.substr(R.Stdout.rfind('\n', R.Stdout.size() - 2) + 1), "  Delete File(s) [ x ]\n");
+            "Delete File(s) [  ]\n"
+            "Parent [ *.tmp ]\n"
+            "  Delete File(s) [ x ]\n"
+            "  Delete File(s) [  ]\n");
 }
 
 TEST(HostCommandsTest, ActionsListsTypesInRegistrationOrderAndMarksUnavailable) {
