@@ -27,8 +27,8 @@ namespace zt::platform {
 
 // What the file system knows about one path (symbolic links followed).
 struct FileInfo {
-  DWORD Attributes = 0;              // FILE_ATTRIBUTE_* bits; NORMAL when no other bit is set
-  std::int64_t Size = 0;             // bytes; 0 for directories
+  DWORD Attributes = 0;               // FILE_ATTRIBUTE_* bits; NORMAL when no other bit is set
+  std::int64_t Size = 0;              // bytes; 0 for directories
   std::int64_t LastWriteSeconds = 0;  // seconds since 1970-01-01 UTC
   std::int32_t LastWriteNanoseconds = 0;
   std::uint64_t Device = 0;  // Device and Inode together identify the file:
@@ -127,8 +127,8 @@ class EnvWrapper : public Env {
   bool DeleteFile(const std::string& Path) override { return Target_->DeleteFile(Path); }
   bool RemoveDirectory(const std::string& Path) override { return Target_->RemoveDirectory(Path); }
   bool CreateDirectory(const std::string& Path) override { return Target_->CreateDirectory(Path); }
-  bool CopyFileExA(const std::string& Existing, const std::string& New, LPPROGRESS_ROUTINE Progress, void* Data,
-                   BOOL* Cancel, DWORD CopyFlags) override {
+  bool CopyFileExA(const std::string& Existing, const std::string& New, LPPROGRESS_ROUTINE Progress,
+                   void* Data, BOOL* Cancel, DWORD CopyFlags) override {
     return Target_->CopyFileExA(Existing, New, Progress, Data, Cancel, CopyFlags);
   }
   bool MoveFileWithProgressA(const std::string& Existing, const std::string& New, LPPROGRESS_ROUTINE Progress,

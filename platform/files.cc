@@ -9,7 +9,9 @@
 
 namespace zt::platform {
 
-int FindFirst(const std::string& Path, int Attr, TSearchRec& F) { return Env::Default()->FindFirst(Path, Attr, F); }
+int FindFirst(const std::string& Path, int Attr, TSearchRec& F) {
+  return Env::Default()->FindFirst(Path, Attr, F);
+}
 int FindNext(TSearchRec& F) { return Env::Default()->FindNext(F); }
 void FindClose(TSearchRec& F) { Env::Default()->FindClose(F); }
 
@@ -62,7 +64,9 @@ bool DirectoryExists(const std::string& Path) {
 
 THandle FileOpen(const std::string& Path, int Mode) { return Env::Default()->FileOpen(Path, Mode); }
 THandle FileCreate(const std::string& Path) { return Env::Default()->FileCreate(Path); }
-int FileRead(THandle Handle, void* Buffer, int Count) { return Env::Default()->FileRead(Handle, Buffer, Count); }
+int FileRead(THandle Handle, void* Buffer, int Count) {
+  return Env::Default()->FileRead(Handle, Buffer, Count);
+}
 int FileWrite(THandle Handle, const void* Buffer, int Count) {
   return Env::Default()->FileWrite(Handle, Buffer, Count);
 }

@@ -8,6 +8,7 @@
 #include <memory>
 #include <string>
 
+#include "platform/errors.h"
 #include "platform/win_types.h"
 
 namespace zt::platform {
@@ -16,11 +17,11 @@ class FindState;  // opaque per-search state owned by the search record
 
 // Delphi's TSearchRec: one directory entry found by FindFirst / FindNext.
 struct TSearchRec {
-  int Time = 0;          // last-write time, DOS packed local time (dates.h)
+  int Time = 0;  // last-write time, DOS packed local time (dates.h)
   std::int64_t Size = 0;
-  int Attr = 0;          // fa* bits of the entry
-  std::string Name;      // name only, no directory
-  int ExcludeAttr = 0;   // fa* bits that exclude an entry (the mask rule)
+  int Attr = 0;         // fa* bits of the entry
+  std::string Name;     // name only, no directory
+  int ExcludeAttr = 0;  // fa* bits that exclude an entry (the mask rule)
   std::shared_ptr<FindState> State;
 };
 
@@ -77,7 +78,7 @@ bool MoveFileWithProgressA(const std::string& Existing, const std::string& New, 
 // file may cross file systems; a directory may not (ERROR_NOT_SAME_DEVICE).
 bool MoveFileA(const std::string& Existing, const std::string& New);
 
-bool CreateDirectory(const std::string& Path);  // parent must exist (3); existing: 183
+bool CreateDirectory(const std::string& Path);   // parent must exist (3); existing: 183
 bool ForceDirectories(const std::string& Path);  // creates every missing level
 bool FileExists(const std::string& Path);        // a file, not a directory
 bool DirectoryExists(const std::string& Path);
@@ -92,17 +93,17 @@ THandle FileOpen(const std::string& Path, int Mode);
 // Creates or truncates, read/write. An existing read-only, hidden or system
 // file gives ERROR_ACCESS_DENIED (Windows will not recreate it as normal).
 THandle FileCreate(const std::string& Path);
-int FileRead(THandle Handle, void* Buffer, int Count);         // bytes read, -1 on error
-int FileWrite(THandle Handle, const void* Buffer, int Count);  // bytes written, -1 on error
+int FileRead(THandle Handle, void* Buffer, int Count);                   // bytes read, -1 on error
+int FileWrite(THandle Handle, const void* Buffer, int Count);            // bytes written, -1 on error
 std::int64_t FileSeek(THandle Handle, std::int64_t Offset, int Origin);  // 0 begin, 1 current, 2 end
 void FileClose(THandle Handle);
 std::int64_t FileSizeOf(const std::string& Path);  // -1 when missing
 
 // Last-write time in the DOS packed local format (two-second resolution).
-int FileAge(const std::string& Path);                 // -1 when missing
-int FileGetDate(THandle Handle);                      // -1 on failure
-int FileSetDate(const std::string& Path, int Age);    // opens for writing: read-only gives 5
-int FileSetDate(THandle Handle, int Age);             // 0, or a Windows error code
+int FileAge(const std::string& Path);               // -1 when missing
+int FileGetDate(THandle Handle);                    // -1 on failure
+int FileSetDate(const std::string& Path, int Age);  // opens for writing: read-only gives 5
+int FileSetDate(THandle Handle, int Age);           // 0, or a Windows error code
 
 // Replaces Path with Contents atomically (a new file, flushed, renamed over
 // the old one): readers see the old file or the new one, never half a file.

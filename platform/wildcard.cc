@@ -43,7 +43,9 @@ std::vector<Element> Translate(std::string_view P) {
 class Matcher {
  public:
   Matcher(std::string_view Name, const std::vector<Element>& Pattern)
-      : Name_(Name), Pattern_(Pattern), LastDot_(Name.rfind('.')),
+      : Name_(Name),
+        Pattern_(Pattern),
+        LastDot_(Name.rfind('.')),
         Memo_((Pattern.size() + 1) * (Name.size() + 1), Unknown) {}
 
   bool Match(size_t P, size_t N) {

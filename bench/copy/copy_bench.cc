@@ -22,7 +22,8 @@ bool CopyOne(const std::string& From, const std::string& To) {
   std::int64_t Percent = 0;
   BOOL Cancel = 0;
   if (CopyFileExA(From, To, Progress, &Percent, &Cancel, 0)) return true;
-  std::fprintf(stderr, "copy %s -> %s: %s\n", From.c_str(), To.c_str(), SysErrorMessage(GetLastError()).c_str());
+  std::fprintf(stderr, "copy %s -> %s: %s\n", From.c_str(), To.c_str(),
+               SysErrorMessage(GetLastError()).c_str());
   return false;
 }
 

@@ -23,10 +23,13 @@ bool PosixEnv::WriteFileAtomically(const std::string& Path, const std::string& C
   while (Error == ERROR_SUCCESS && Left > 0) {
     ssize_t N = write(Fd, P, Left);
     if (N < 0 && errno == EINTR) continue;
-    if (N < 0) Error = ErrnoToWindowsError(errno);
-    else P += N, Left -= static_cast<size_t>(N);
+    if (N < 0)
+      Error = ErrnoToWindowsError(errno);
+    else
+      P += N, Left -= static_cast<size_t>(N);
   }
-  if (Error == ERROR_SUCCESS && Exists && fchmod(Fd, Old.st_mode & 07777) != 0) Error = ErrnoToWindowsError(errno);
+  if (Error == ERROR_SUCCESS && Exists && fchmod(Fd, Old.st_mode & 07777) != 0)
+    Error = ErrnoToWindowsError(errno);
   if (Error == ERROR_SUCCESS && Exists) {
     DWORD Bits = ReadStoredBits(Path);
     if (Bits) Error = Env::Default()->WriteDosAttributes(TempPath, Bits);

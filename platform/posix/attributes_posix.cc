@@ -67,7 +67,8 @@ DWORD PosixEnv::WriteDosAttributes(const std::string& Path, DWORD Bits) {
   }
   char Value[16];
   int Len = std::snprintf(Value, sizeof Value, "0x%x", static_cast<unsigned>(Bits));
-  if (setxattr(Path.c_str(), kDosAttributeName, Value, static_cast<size_t>(Len), 0) == 0) return ERROR_SUCCESS;
+  if (setxattr(Path.c_str(), kDosAttributeName, Value, static_cast<size_t>(Len), 0) == 0)
+    return ERROR_SUCCESS;
   return errno == ENOTSUP ? ERROR_NOT_SUPPORTED : PathError(errno, Path);
 }
 

@@ -161,10 +161,14 @@ bool CopyWithProgress(const std::string& Existing, const std::string& New, LPPRO
   const std::int64_t Total = Source.st_size;
   std::int64_t Done = 0;
   if (!Report(Progress, Data, Total, 0, CALLBACK_STREAM_SWITCH)) return Fail(ERROR_REQUEST_ABORTED);
+  posix_fadvise(In, 0, 0, POSIX_FADV_SEQUENTIAL);
   for (;;) {
     if (Cancel && *Cancel) return Fail(ERROR_REQUEST_ABORTED);
+    // Asking for exactly what is left spares small files a call; one more
+    // call past the size finds the end (or what was appended meanwhile).
+    std::int64_t Want = Done < Total ? std::min(kChunkBytes, Total - Done) : kChunkBytes;
     std::int64_t Copied = 0;
-    Error = Env::Default()->CopyChunk(In, Temp.Fd(), kChunkBytes, Copied);
+    Error = Env::Default()->CopyChunk(In, Temp.Fd(), Want, Copied);
     if (Error != ERROR_SUCCESS) return Fail(Error);
     if (Copied == 0) break;
     Done += Copied;

@@ -82,7 +82,8 @@ THandle PosixEnv::FileCreate(const std::string& Path) {
   if (stat(Path.c_str(), &St) == 0) {
     if (CheckWritable(St) != ERROR_SUCCESS) return Failed(ERROR_ACCESS_DENIED);
     // Windows will not recreate a hidden or system file as a normal one.
-    if (ReadStoredBits(Path) & (FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM)) return Failed(ERROR_ACCESS_DENIED);
+    if (ReadStoredBits(Path) & (FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM))
+      return Failed(ERROR_ACCESS_DENIED);
   }
   int Fd = open(Path.c_str(), O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC | O_NONBLOCK, 0666);
   if (Fd < 0) return Failed(OpenError(errno, Path));

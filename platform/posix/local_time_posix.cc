@@ -8,7 +8,8 @@ namespace zt::platform {
 namespace {
 
 TDateTime FromTm(const struct tm& T, int MSec) {
-  return EncodeDate(T.tm_year + 1900, T.tm_mon + 1, T.tm_mday) + EncodeTime(T.tm_hour, T.tm_min, T.tm_sec, MSec);
+  return EncodeDate(T.tm_year + 1900, T.tm_mon + 1, T.tm_mday) +
+         EncodeTime(T.tm_hour, T.tm_min, T.tm_sec, MSec);
 }
 
 }  // namespace

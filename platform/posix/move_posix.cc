@@ -34,7 +34,8 @@ bool PosixEnv::MoveFileWithProgressA(const std::string& Existing, const std::str
     if (CheckWritable(Target) != ERROR_SUCCESS) return Fail(ERROR_ACCESS_DENIED);
   }
 
-  int Error = Replace ? (rename(Existing.c_str(), New.c_str()) == 0 ? 0 : errno) : RenameNoReplace(Existing, New);
+  int Error =
+      Replace ? (rename(Existing.c_str(), New.c_str()) == 0 ? 0 : errno) : RenameNoReplace(Existing, New);
   if (Error == 0) return true;
   if (Error == EEXIST) return Fail(ERROR_ALREADY_EXISTS);
   if (Error != EXDEV) return Fail(PathError(Error, Error == ENOENT ? New : Existing));

@@ -27,8 +27,8 @@ class PosixEnv final : public Env {
   bool RemoveDirectory(const std::string& Path) override;
   bool CreateDirectory(const std::string& Path) override;
 
-  bool CopyFileExA(const std::string& Existing, const std::string& New, LPPROGRESS_ROUTINE Progress, void* Data,
-                   BOOL* Cancel, DWORD CopyFlags) override;
+  bool CopyFileExA(const std::string& Existing, const std::string& New, LPPROGRESS_ROUTINE Progress,
+                   void* Data, BOOL* Cancel, DWORD CopyFlags) override;
   bool MoveFileWithProgressA(const std::string& Existing, const std::string& New, LPPROGRESS_ROUTINE Progress,
                              void* Data, DWORD Flags) override;
 

@@ -49,7 +49,8 @@ TEST(Attributes, ReadOnlyRemovesEveryWriteBitAndClearingGivesOwnerWriteBack) {
 TEST(Attributes, HiddenSystemArchiveRoundTripThroughTheExtendedAttribute) {
   TempDir T;
   WriteText(T / "a.txt", "x");
-  const DWORD All = FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM | FILE_ATTRIBUTE_ARCHIVE | FILE_ATTRIBUTE_READONLY;
+  const DWORD All =
+      FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM | FILE_ATTRIBUTE_ARCHIVE | FILE_ATTRIBUTE_READONLY;
   ASSERT_TRUE(SetFileAttributesA(T / "a.txt", All));
   EXPECT_EQ(GetFileAttributesA(T / "a.txt"), All);
   EXPECT_EQ(StoredValue(T / "a.txt"), "0x26");

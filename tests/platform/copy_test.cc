@@ -90,7 +90,8 @@ TEST(CopyFile, FailIfExistsGivesEightyAndLeavesTargetUntouched) {
   TempDir T;
   WriteText(T / "src.txt", "new");
   WriteText(T / "dst.txt", "old");
-  EXPECT_FALSE(CopyFileExA(T / "src.txt", T / "dst.txt", nullptr, nullptr, nullptr, COPY_FILE_FAIL_IF_EXISTS));
+  EXPECT_FALSE(
+      CopyFileExA(T / "src.txt", T / "dst.txt", nullptr, nullptr, nullptr, COPY_FILE_FAIL_IF_EXISTS));
   EXPECT_EQ(GetLastError(), ERROR_FILE_EXISTS);
   EXPECT_EQ(ReadText(T / "dst.txt"), "old");
   EXPECT_TRUE(CopyFileExA(T / "src.txt", T / "dst.txt", nullptr, nullptr, nullptr, 0));

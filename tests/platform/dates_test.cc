@@ -1,6 +1,7 @@
+#include "platform/dates.h"
+
 #include <gtest/gtest.h>
 
-#include "platform/dates.h"
 #include "platform/files.h"
 #include "tests/platform/file_util.h"
 #include "tests/support/TempDir.h"
@@ -10,7 +11,9 @@ namespace {
 
 using zt::testing::TempDir;
 
-TDateTime At(int Y, int Mo, int D, int H, int Mi, int S) { return EncodeDate(Y, Mo, D) + EncodeTime(H, Mi, S, 0); }
+TDateTime At(int Y, int Mo, int D, int H, int Mi, int S) {
+  return EncodeDate(Y, Mo, D) + EncodeTime(H, Mi, S, 0);
+}
 
 TEST(Dates, EncodesDaysSinceDelphiEpoch) {
   EXPECT_EQ(EncodeDate(1899, 12, 30), 0);
@@ -56,7 +59,8 @@ TEST(Dates, IsoTextRoundTrips) {
   EXPECT_EQ(D, EncodeDate(2024, 3, 5));
   ASSERT_TRUE(TryParseIsoDateTime("2024-03-05 10:15", D));
   EXPECT_EQ(FormatIsoDateTime(D), "2024-03-05T10:15:00");
-  for (const char* Bad : {"", "2024-3-5", "2024-02-30", "2024-03-05T25:00:00", "2024-03-05T10:15:00Z", "yesterday"})
+  for (const char* Bad :
+       {"", "2024-3-5", "2024-02-30", "2024-03-05T25:00:00", "2024-03-05T10:15:00Z", "yesterday"})
     EXPECT_FALSE(TryParseIsoDateTime(Bad, D)) << Bad;
 }
 

@@ -1,9 +1,9 @@
+#include "platform/errors.h"
+
 #include <errno.h>
 #include <gtest/gtest.h>
 
 #include <thread>
-
-#include "platform/errors.h"
 
 namespace zt::platform {
 namespace {
@@ -13,7 +13,8 @@ TEST(Errors, MessagesAreWindowsTextsWithoutTheFullStop) {
   EXPECT_EQ(SysErrorMessage(2), "The system cannot find the file specified");
   EXPECT_EQ(SysErrorMessage(3), "The system cannot find the path specified");
   EXPECT_EQ(SysErrorMessage(5), "Access is denied");
-  EXPECT_EQ(SysErrorMessage(32), "The process cannot access the file because it is being used by another process");
+  EXPECT_EQ(SysErrorMessage(32),
+            "The process cannot access the file because it is being used by another process");
   EXPECT_EQ(SysErrorMessage(50), "The request is not supported");
   EXPECT_EQ(SysErrorMessage(80), "The file exists");
   EXPECT_EQ(SysErrorMessage(87), "The parameter is incorrect");

@@ -1,8 +1,9 @@
 // Deleting files, creating and removing directories.
+#include "platform/files.h"
+
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
-#include "platform/files.h"
 #include "tests/platform/file_util.h"
 #include "tests/support/TempDir.h"
 

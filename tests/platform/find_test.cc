@@ -58,13 +58,13 @@ TEST_F(FindMaskTest, MaskSixteenAddsDirectoriesWithDotEntries) {
 }
 
 TEST_F(FindMaskTest, MaskFortySevenFindsEveryFileButNoDirectory) {
-  EXPECT_EQ(Find(T / "*", 47), (std::set<std::string>{"plain.txt", "ro.txt", "arc.txt", ".dot.txt", "hid.txt",
-                                                        "sys.txt"}));
+  EXPECT_EQ(Find(T / "*", 47),
+            (std::set<std::string>{"plain.txt", "ro.txt", "arc.txt", ".dot.txt", "hid.txt", "sys.txt"}));
 }
 
 TEST_F(FindMaskTest, MaskSixtyThreeFindsEverything) {
-  EXPECT_EQ(Find(T / "*", faAnyFile), (std::set<std::string>{".", "..", "sub", "plain.txt", "ro.txt", "arc.txt",
-                                                               ".dot.txt", "hid.txt", "sys.txt"}));
+  EXPECT_EQ(Find(T / "*", faAnyFile), (std::set<std::string>{".", "..", "sub", "plain.txt", "ro.txt",
+                                                             "arc.txt", ".dot.txt", "hid.txt", "sys.txt"}));
 }
 
 TEST_F(FindMaskTest, RecordCarriesAttributesSizeAndTime) {

@@ -67,7 +67,8 @@ class CrossDeviceMove : public ::testing::Test {
   void SetUp() override {
     struct stat A, B;
     std::string Tmpl = "/dev/shm/zt-move-XXXXXX";
-    if (stat("/dev/shm", &B) != 0 || stat(T.Path().c_str(), &A) != 0 || A.st_dev == B.st_dev || !mkdtemp(Tmpl.data()))
+    if (stat("/dev/shm", &B) != 0 || stat(T.Path().c_str(), &A) != 0 || A.st_dev == B.st_dev ||
+        !mkdtemp(Tmpl.data()))
       GTEST_SKIP() << "no second file system to move to";
     Other = Tmpl;
   }

@@ -38,9 +38,9 @@ INSTANTIATE_TEST_SUITE_P(
         // "name.*" also matches the bare name.
         Case{"a.*", "a", true}, Case{"a.*", "a.x", true}, Case{"a.*", "ab", false},
         // Stars inside names, exact names, and letter case as the platform's names.
-        Case{"b*d.log", "build.log", true}, Case{"b*d.log", "bd.log", true}, Case{"b*d.log", "build.txt", false},
-        Case{"setup.exe", "setup.exe", true}, Case{"setup.exe", "setup.ex", false},
-        Case{"*.TXT", "a.txt", false}, Case{"", "a", false}));
+        Case{"b*d.log", "build.log", true}, Case{"b*d.log", "bd.log", true},
+        Case{"b*d.log", "build.txt", false}, Case{"setup.exe", "setup.exe", true},
+        Case{"setup.exe", "setup.ex", false}, Case{"*.TXT", "a.txt", false}, Case{"", "a", false}));
 
 }  // namespace
 }  // namespace zt::platform
