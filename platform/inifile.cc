@@ -254,8 +254,7 @@ bool TIniFile::SectionExists(const std::string& Section) const {
 bool TIniFile::ValueExists(const std::string& Section, const std::string& Ident) const {
   TIniText Doc = Load(FileName_);
   bool Found = false;
-  ForEachKey(Doc.Text, ini::TrimBlanks(Section),
-             [&](const TIniLine& L) { Found = Found || ini::SameName(L.Name, Ident); });
+  ForEachKey(Doc.Text, ini::TrimBlanks(Section), [&](const TIniLine& L) { Found = Found || ini::SameName(L.Name, Ident); });
   return Found;
 }
 
