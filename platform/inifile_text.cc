@@ -1,6 +1,8 @@
 #include "platform/inifile_text.h"
 
+#include <algorithm>
 #include <cstdint>
+#include <cstring>
 
 namespace zt::platform::ini {
 namespace {
@@ -177,8 +179,16 @@ std::string_view LimitUtf16Units(std::string_view S, std::size_t MaxUnits) {
 bool TLineScanner::Next(TIniLine& L) {
   const std::size_t N = Text_.size();
   if (Pos_ >= N) return false;
-  std::size_t B = Pos_, E = B;
-  while (E < N && Text_[E] != '\r' && Text_[E] != '\n') ++E;
+  // The next CR and LF are found with memchr and remembered until passed, so
+  // the text is searched once whatever its line ends are.
+  auto Find = [&](char C, std::size_t& At) {
+    if (At != kUnknown && At >= Pos_) return;
+    const void* P = std::memchr(Text_.data() + Pos_, C, N - Pos_);
+    At = P ? static_cast<std::size_t>(static_cast<const char*>(P) - Text_.data()) : N;
+  };
+  Find('\r', NextCR_);
+  Find('\n', NextLF_);
+  std::size_t B = Pos_, E = std::min(NextCR_, NextLF_);
   Pos_ = E;
   if (Pos_ < N) Pos_ += (Text_[Pos_] == '\r' && Pos_ + 1 < N && Text_[Pos_ + 1] == '\n') ? 2 : 1;
   L = TIniLine{};

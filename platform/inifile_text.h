@@ -49,8 +49,10 @@ class TLineScanner {
   bool Next(TIniLine& Line);
 
  private:
+  static constexpr std::size_t kUnknown = static_cast<std::size_t>(-1);
   std::string_view Text_;
   std::size_t Pos_ = 0;
+  std::size_t NextCR_ = kUnknown, NextLF_ = kUnknown;  // positions found ahead of Pos_
 };
 
 // The blanks that surround names and values: space, tab, VT and FF.
