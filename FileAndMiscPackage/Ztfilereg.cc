@@ -7,6 +7,7 @@
 #include "checksums/Ztfilemd5action.h"
 #include "files/Ztcopymove.h"
 #include "files/Ztdeletefilesaction.h"
+#include "text/Ztinifile.h"
 
 namespace zt::package {
 namespace {
