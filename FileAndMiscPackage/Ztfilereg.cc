@@ -5,8 +5,11 @@
 #include "Ztservices.h"
 #include "checksums/Ztfilecrcaction.h"
 #include "checksums/Ztfilemd5action.h"
+#include "files/BActions1.h"
 #include "files/Ztcopymove.h"
 #include "files/Ztdeletefilesaction.h"
+#include "files/Ztfileattrib.h"
+#include "files/Zttouchfile.h"
 #include "text/Ztinifile.h"
 
 namespace zt::package {

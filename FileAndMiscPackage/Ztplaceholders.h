@@ -48,15 +48,11 @@ frame::TZTActionClass MakePlaceholderClass(const char* Name, const frame::TZTAct
 #define ZT_PLACEHOLDER_BASE(Cls) ZT_PLACEHOLDER_CLASS(Cls, TZTPlaceholderAction, true, "Action")
 
 // --- Stand-ins, in registration order ---
-ZT_PLACEHOLDER(TFileExistsAction, "Check if File Exists")
-ZT_PLACEHOLDER(TCreateDirectoryAction, "Create Directory")
 ZT_PLACEHOLDER(TDeleteDirectoryAction, "Delete Directory")
 ZT_PLACEHOLDER(TZTMoveDirectoryAction, "Move Directory")
-ZT_PLACEHOLDER(TSetFileAttributesAction, "Set File Attributes")
 ZT_PLACEHOLDER(TFileIterator, "File Iterator")
 ZT_PLACEHOLDER(TFolderIterator, "Folder Iterator")
 ZT_PLACEHOLDER(TZTScriptAction, "Run Script")
-ZT_PLACEHOLDER(TTouchFilesAction, "Touch File(s)")
 ZT_PLACEHOLDER(TRunProgramAction, "Execute Program")
 ZT_PLACEHOLDER(TRunDosCMDAction, "Run DOS Command")
 ZT_PLACEHOLDER(TConcatAction, "Concatenate Files")

@@ -1,6 +1,7 @@
 #include "host/runner.h"
 
 #include <chrono>
+#include <filesystem>
 
 namespace zt::host {
 
@@ -20,7 +21,11 @@ class LogEntry : public frame::IZTActionLogMessage {
 }  // namespace
 
 Runner::Runner(Project& P, BuildLog& Log, const VariableList& Overrides)
-    : Project_(P), Log_(Log), Vars_(P.File) {
+    : Project_(P),
+      Log_(Log),
+      Vars_(P.File),
+      Objects_(P.FileSets, std::filesystem::path(P.File).parent_path().string(),
+               [this](frame::TZTAction& A, const std::string& Line) { HostMessage(A, Line); }) {
   for (const auto& [Name, Value] : P.InitialVariables) Vars_.Set(Name, Value);
   for (const auto& [Name, Value] : Overrides) Vars_.Set(Name, Value);
   ForEachAction(P.Actions, [this](ActionNode& N, int) {

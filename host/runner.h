@@ -13,6 +13,7 @@
 #include "frame/ZTAction.h"
 #include "host/build_log.h"
 #include "host/expander.h"
+#include "host/file_set.h"
 #include "host/project.h"
 #include "host/variables.h"
 
@@ -49,7 +50,7 @@ class Runner : public frame::IZTActionHost {
   bool StopSignalled() override { return Stop_.load(); }
   std::string GetScriptByName(frame::TZTAction& Action, const std::string& Name) override;
   bool ExecuteScript(frame::TZTAction& Action, const std::string& Name, frame::TZTScriptParams& Params) override;
-  frame::IZTProjectObjectAPI* GetProjectObjectAPI() override { return nullptr; }
+  frame::IZTProjectObjectAPI* GetProjectObjectAPI() override { return &Objects_; }
   std::shared_ptr<frame::IZTStringBuilder> CreateStringBuilder() override { return nullptr; }
 
  private:
@@ -61,6 +62,7 @@ class Runner : public frame::IZTActionHost {
   BuildLog& Log_;
   Variables Vars_;
   Expander Expander_;
+  ProjectObjects Objects_;  // the project's file sets; they log through the asking action
   std::unordered_map<const frame::TZTAction*, ActionNode*> Nodes_;
   std::atomic<bool> Stop_{false};
   std::mutex RunningMutex_;  // guards Running_ against RequestStop from another thread
