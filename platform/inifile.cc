@@ -88,12 +88,14 @@ template <class F>
 void ForEachKey(std::string_view Text, std::string_view Section, F Visit) {
   if (Section.empty()) return;
   ini::TLineScanner Scanner(Text);
+  Scanner.SetHeadersOnly(true);
   TIniLine L;
   bool Inside = false;
   while (Scanner.Next(L)) {
     if (L.Kind == TLineKind::Section) {
       if (Inside) return;
       Inside = ini::SameName(L.Name, Section);
+      Scanner.SetHeadersOnly(!Inside);
     } else if (Inside && L.Kind == TLineKind::Key) {
       Visit(L);
     }
@@ -198,6 +200,7 @@ std::vector<std::string> TIniFile::ReadSections() const {
   TIniText Doc = Load(FileName_);
   std::vector<std::string> Names;
   ini::TLineScanner Scanner(Doc.Text);
+  Scanner.SetHeadersOnly(true);
   TIniLine L;
   while (Scanner.Next(L))
     if (L.Kind == TLineKind::Section && !L.Name.empty()) Names.emplace_back(L.Name);

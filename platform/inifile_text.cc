@@ -193,6 +193,14 @@ bool TLineScanner::Next(TIniLine& L) {
   if (Pos_ < N) Pos_ += (Text_[Pos_] == '\r' && Pos_ + 1 < N && Text_[Pos_ + 1] == '\n') ? 2 : 1;
   L = TIniLine{};
   L.Begin = B, L.End = E, L.Next = Pos_;
+  if (HeadersOnly_) {
+    std::size_t F = B;
+    while (F < E && IsBlank(Text_[F])) ++F;
+    if (F == E || Text_[F] != '[') {
+      L.Kind = TLineKind::Other;
+      return true;
+    }
+  }
   std::string_view S = TrimBlanks(Text_.substr(B, E - B));
   if (S.empty()) {
     L.Kind = TLineKind::Blank;
@@ -217,6 +225,7 @@ TIniLocation Locate(std::string_view Text, std::string_view Section, std::string
   TIniLocation R;
   if (Section.empty()) return R;  // a nameless section is never looked up
   TLineScanner Scanner(Text);
+  Scanner.SetHeadersOnly(true);
   TIniLine L;
   bool Inside = false;
   while (Scanner.Next(L)) {
@@ -226,6 +235,7 @@ TIniLocation Locate(std::string_view Text, std::string_view Section, std::string
         return R;
       }
       if (SameName(L.Name, Section)) {
+        Scanner.SetHeadersOnly(false);
         Inside = R.SectionFound = true;
         R.SectionBegin = L.Begin;
         R.AppendAt = L.Next;

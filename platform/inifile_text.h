@@ -47,11 +47,15 @@ class TLineScanner {
   explicit TLineScanner(std::string_view Text) : Text_(Text) {}
   // Fills Line with the next line; false at the end of the text.
   bool Next(TIniLine& Line);
+  // While set, lines that are no section header come back as Other without
+  // being parsed (a scan that looks for a section skips the rest cheaply).
+  void SetHeadersOnly(bool HeadersOnly) { HeadersOnly_ = HeadersOnly; }
 
  private:
   static constexpr std::size_t kUnknown = static_cast<std::size_t>(-1);
   std::string_view Text_;
   std::size_t Pos_ = 0;
+  bool HeadersOnly_ = false;
   std::size_t NextCR_ = kUnknown, NextLF_ = kUnknown;  // positions found ahead of Pos_
 };
 
