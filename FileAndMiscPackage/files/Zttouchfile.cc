@@ -102,7 +102,7 @@ bool TCustomTouchFilesAction::ProcessFiles(const std::string& Spec) {
   Search.Open = pf::FindFirst(Dir + "*.*", pf::faDirectory, D) == 0;
   if (!Search.Open) return Result;
   do {
-    // The last sub-directory's result is the result, as the walk has always had it.
+    // The last sub-directory's result becomes the walk's result.
     if ((D.Attr & pf::faDirectory) && !IsDotEntry(D.Name))
       Result = ProcessFiles(Dir + D.Name + pf::PathDelim + Mask);
   } while (pf::FindNext(D) == 0);
