@@ -92,13 +92,9 @@ TEST(CreateDirectoryProperties, FlagsAndVocabulary) {
 
   A.SetFileOrDirectory("%OUT%\\bin");
   EXPECT_EQ(A.GetFormattedDescription(), "Create Directory [ %OUT%\\bin ]");
-  frame::TStrings Alias, Help;
+  frame::TStrings Alias;
   A.GetPropertyAlias(Alias);
-  A.GetPropertyHelp(Help);
   EXPECT_EQ(Alias.Lines(), (Lines{"FileOrDirectory=Directory"}));
-  EXPECT_EQ(Help.Lines(), (Lines{"FileOrDirectory=The Directory to Create."}));
-  EXPECT_EQ(A.GetHelpTopicID(), 552);
-  EXPECT_EQ(A.GetQuickHelpFilename(), "Plugins\\CreateDirectory.html");
   EXPECT_EQ(PropertyNames(TCreateDirectoryAction::ClassType()), (Lines{"FileOrDirectory", "Force"}));
   EXPECT_EQ(package::TFileOrDirectoryAction::ClassType().Create, nullptr);  // the base is abstract
 

@@ -177,7 +177,7 @@ TEST(FileExistsProperties, PublishedInOrderWithTheLegacyFlagNotStored) {
     EXPECT_EQ(P.Stored, P.Name != "FailIfExists") << P.Name;
 }
 
-TEST(FileExistsProperties, Vocabulary) {
+TEST(FileExistsProperties, DescriptionFollowsTheMode) {
   TFileExistsAction A;
   A.SetFileOrDirectory("%OUT%\\app.exe");
   A.SetFileSet("Sources");
@@ -185,15 +185,9 @@ TEST(FileExistsProperties, Vocabulary) {
   A.SetUseFileSpec(false);
   EXPECT_EQ(A.GetFormattedDescription(), "Check if Files in [ Sources ] Exist");
 
-  frame::TStrings Alias, Help, Hidden;
-  A.GetPropertyAlias(Alias);
-  A.GetPropertyHelp(Help);
+  frame::TStrings Hidden;
   A.GetHiddenProperties(Hidden);
-  EXPECT_EQ(Alias.Lines(), (Lines{"FileOrDirectory=File or Directory"}));
-  EXPECT_EQ(Help.Lines(), (Lines{"FileOrDirectory=The File or Directory to check for, wildcards may not be used!"}));
   EXPECT_EQ(Hidden.Lines(), (Lines{"FailIfExists"}));
-  EXPECT_EQ(A.GetHelpTopicID(), 551);
-  EXPECT_EQ(A.GetQuickHelpFilename(), "Plugins\\CheckFileExists.html");
 }
 
 TEST(FileExistsProperties, ValidateChecksTheSpecThenTheFileSet) {

@@ -187,22 +187,7 @@ TEST(SetAttributesVocabulary, DescribesItself) {
   A.SetFileSpec("%OUT%\\*.dll");
   EXPECT_EQ(A.GetFormattedDescription(), "Set File Attributes [ %OUT%\\*.dll ]");
   EXPECT_EQ(TSetFileAttributesAction::GetActionName(), "Set File Attributes");
-  EXPECT_EQ(A.GetHelpTopicID(), 556);
-  EXPECT_EQ(A.GetQuickHelpFilename(), "Plugins\\SetFileAttributes.html");
 
-  frame::TStrings Alias, Help;
-  A.GetPropertyAlias(Alias);
-  A.GetPropertyHelp(Help);
-  EXPECT_EQ(Alias.Lines(), (Lines{"[Attributes]", "ReadOnly=Read Only", "SystemFile=System File", "Archive=Archive",
-                                  "Hidden=Hidden File", "[Behaviour]", "Recurse=Recurse Directories",
-                                  "LogAllFiles=Log All Files"}));
-  EXPECT_EQ(Help.Lines(),
-            (Lines{"ReadOnly=Determines what to do to the Read Only flag",
-                   "SystemFile=Determines what to do to the System File flag",
-                   "Archive=Determines what to do to the Archive flag",
-                   "Hidden=Determines what to do to the Hidden flag", "Recurse=Recurse Sub Directories",
-                   "LogAllFiles=Log All Files processed to the output panel.",
-                   "FileSpec=The file specification of the files to process. Wildcards (*, ?) may be used"}));
   EXPECT_EQ(PropertyNames(TSetFileAttributesAction::ClassType()),
             (Lines{"FileSpec", "Recurse", "Archive", "Hidden", "ReadOnly", "SystemFile", "LogAllFiles",
                    "FailIfFileNotFound"}));
