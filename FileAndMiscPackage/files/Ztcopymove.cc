@@ -134,6 +134,7 @@ void TCustomCopyFilesAction::ProgressCallback(std::int64_t TotalFileSize, std::i
 bool TCustomCopyFilesAction::Execute() {
   FFilesAffected = 0;
   ResetTerminated();
+  FLastForcedDir.clear();
 
   const std::string Source = frame::Trim(ExpandExpression(FFileSpec, true));
   if (Source.empty()) {
@@ -185,7 +186,7 @@ bool TCustomCopyFilesAction::DoRecursiveCopyMove(frame::IZTActionLogMessage& Ent
         if (F.Attr & pf::faDirectory) continue;
         const std::string TargetFile = FTargetIsDir ? TargetDir + F.Name : Target;
         const std::string SourceFile = SourceDir + F.Name;
-        if (FForce) pf::ForceDirectories(pf::ExtractFileDir(TargetFile));
+        if (FForce) ForceTargetDirectory(pf::ExtractFileDir(TargetFile));
         if (!ProcessFile(Entry, SourceFile, TargetFile)) return false;
         ++Count;
       } while (Wildcard && pf::FindNext(F) == 0);
@@ -204,6 +205,11 @@ bool TCustomCopyFilesAction::DoRecursiveCopyMove(frame::IZTActionLogMessage& Ent
     }
   }
   return true;
+}
+
+void TCustomCopyFilesAction::ForceTargetDirectory(const std::string& Dir) {
+  if (Dir == FLastForcedDir) return;
+  FLastForcedDir = pf::ForceDirectories(Dir) ? Dir : std::string();
 }
 
 bool TCustomCopyFilesAction::ProcessFile(frame::IZTActionLogMessage& Entry, const std::string& SourceFile,
@@ -327,7 +333,7 @@ bool TMoveFilesAction::Execute() {
         BeginProgress("Moving File : " + SourceFile + " to : " + TargetFile);
         Moved = pf::MoveFileWithProgressA(SourceFile, TargetFile, &CopyProgressRoutine, this, MoveFlags);
       } else {
-        if (FForce) pf::ForceDirectories(pf::ExtractFileDir(TargetFile));
+        if (FForce) ForceTargetDirectory(pf::ExtractFileDir(TargetFile));
         Moved = pf::MoveFileA(SourceFile, TargetFile);
       }
       if (Moved) {

@@ -75,6 +75,9 @@ class TCustomCopyFilesAction : public frame::TCustomZTAction {
   virtual bool ProcessFile(frame::IZTActionLogMessage& Entry, const std::string& SourceFile,
                            const std::string& TargetFile);
 
+  // ForceDirectories for Dir, skipped when the previous file of the run
+  // already made or found that same directory (a level's files share one).
+  void ForceTargetDirectory(const std::string& Dir);
   // Starts a new file's progress line (percent 0).
   void BeginProgress(const std::string& Text);
   bool Terminated() const;
@@ -95,6 +98,7 @@ class TCustomCopyFilesAction : public frame::TCustomZTAction {
   std::int32_t FErrorCount = 0;
   bool FClearAttributes = false;
   bool FFailIfZeroFiles = false;
+  std::string FLastForcedDir;  // run state of ForceTargetDirectory
 
  private:
   // Written by TerminateAction on another thread and read by the build
