@@ -2,6 +2,8 @@
 // the few built from other services live here, once for every platform.
 #include "platform/files.h"
 
+#include <algorithm>
+
 #include "platform/dates.h"
 #include "platform/env.h"
 #include "platform/errors.h"
@@ -114,18 +116,28 @@ bool ReadWholeFile(const std::string& Path, std::string& Contents) {
   Contents.clear();
   THandle H = FileOpen(Path, fmOpenRead | fmShareDenyNone);
   if (H == INVALID_HANDLE_VALUE) return false;
-  char Buffer[65536];
+  // Read straight into the string, sized from the file's length, so a large
+  // file costs one pass and no re-allocation; the loop still follows a file
+  // that grows or shrinks while it is read.
+  std::int64_t Size = FileSeek(H, 0, 2);
+  FileSeek(H, 0, 0);
+  std::size_t Used = 0;
+  Contents.resize(Size > 0 ? static_cast<std::size_t>(Size) + 1 : 65536);
   for (;;) {
-    int N = FileRead(H, Buffer, sizeof Buffer);
+    if (Used == Contents.size()) Contents.resize(Contents.size() * 2);
+    std::size_t Want = std::min<std::size_t>(Contents.size() - Used, 1u << 30);
+    int N = FileRead(H, Contents.data() + Used, static_cast<int>(Want));
     if (N < 0) {
       DWORD Error = GetLastError();
       FileClose(H);
+      Contents.clear();
       SetLastError(Error);
       return false;
     }
     if (N == 0) break;
-    Contents.append(Buffer, static_cast<size_t>(N));
+    Used += static_cast<std::size_t>(N);
   }
+  Contents.resize(Used);
   FileClose(H);
   return true;
 }

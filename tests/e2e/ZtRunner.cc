@@ -5,8 +5,12 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <signal.h>
+
+#include <chrono>
 #include <cstdio>
 #include <fstream>
+#include <thread>
 #include <sstream>
 #include <stdexcept>
 
@@ -35,7 +39,34 @@ void Drain(int OutFd, int ErrFd, std::string& Out, std::string& Err) {
   }
 }
 
-ZtResult Spawn(const std::string& Dir, const std::vector<std::string>& Args) {
+std::string ReadText(const std::string& Path) {
+  std::ifstream In(Path);
+  std::stringstream S;
+  S << In.rdbuf();
+  return S.str();
+}
+
+// Sends Signal to Pid once the file at LogPath contains Needle (or the child
+// has gone); runs beside Drain so the child's pipes never fill up.
+std::thread SignalWhen(pid_t Pid, std::string LogPath, std::string Needle, int Signal) {
+  return std::thread([=] {
+    for (int I = 0; I < 6000; ++I) {  // at most a minute
+      if (kill(Pid, 0) != 0) return;
+      if (ReadText(LogPath).find(Needle) != std::string::npos) {
+        kill(Pid, Signal);
+        return;
+      }
+      std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+  });
+}
+
+struct SignalPlan {
+  std::string LogPath, Needle;
+  int Signal = 0;
+};
+
+ZtResult Spawn(const std::string& Dir, const std::vector<std::string>& Args, const SignalPlan* Plan = nullptr) {
   ZtResult R;
   int OutPipe[2], ErrPipe[2];
   if (pipe(OutPipe) != 0 || pipe(ErrPipe) != 0) throw std::runtime_error("pipe failed");
@@ -57,9 +88,12 @@ ZtResult Spawn(const std::string& Dir, const std::vector<std::string>& Args) {
   }
   close(OutPipe[1]);
   close(ErrPipe[1]);
+  std::thread Signaller;
+  if (Plan) Signaller = SignalWhen(Pid, Plan->LogPath, Plan->Needle, Plan->Signal);
   Drain(OutPipe[0], ErrPipe[0], R.Stdout, R.Stderr);
   int Status = 0;
   waitpid(Pid, &Status, 0);
+  if (Signaller.joinable()) Signaller.join();
   R.ExitCode = WIFEXITED(Status) ? WEXITSTATUS(Status) : 128 + WTERMSIG(Status);
   return R;
 }
@@ -91,6 +125,16 @@ ZtResult RunZt(const std::string& Dir, const std::string& ProjectYaml, const std
   Args.insert(Args.end(), ExtraArgs.begin(), ExtraArgs.end());
   ZtResult R = Spawn(Dir, Args);
   R.Events = ReadEvents(LogPath);
+  return R;
+}
+
+ZtResult RunZtAndSignal(const std::string& Dir, const std::string& ProjectYaml, const std::string& SignalWhenLogHas,
+                        int Signal) {
+  std::ofstream(Dir + "/project.yml") << ProjectYaml;
+  SignalPlan Plan{Dir + "/log.jsonl", SignalWhenLogHas, Signal};
+  std::remove(Plan.LogPath.c_str());
+  ZtResult R = Spawn(Dir, {"run", "project.yml", "--log-json", Plan.LogPath}, &Plan);
+  R.Events = ReadEvents(Plan.LogPath);
   return R;
 }
 

@@ -22,6 +22,11 @@ struct ZtResult {
 ZtResult RunZt(const std::string& Dir, const std::string& ProjectYaml, const std::vector<std::string>& ExtraArgs = {},
                const std::string& Command = "run");
 
+// As RunZt for `run`, but sends Signal to zt once its JSON log holds
+// SignalWhenLogHas (polled every few milliseconds), as a user's Ctrl+C does.
+ZtResult RunZtAndSignal(const std::string& Dir, const std::string& ProjectYaml, const std::string& SignalWhenLogHas,
+                        int Signal);
+
 // Runs `<zt> Args...` with Dir as working directory and no project file.
 ZtResult RunZtArgs(const std::string& Dir, const std::vector<std::string>& Args);
 

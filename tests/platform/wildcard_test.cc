@@ -11,6 +11,9 @@ struct Case {
   bool Matches;
 };
 
+// Readable test names in CTest: pattern and name instead of raw bytes.
+void PrintTo(const Case& C, std::ostream* Os) { *Os << '"' << C.Pattern << "\" vs \"" << C.Name << '"'; }
+
 class WildcardTest : public ::testing::TestWithParam<Case> {};
 
 TEST_P(WildcardTest, MatchesAsFindFirstFileDoes) {

@@ -1,0 +1,48 @@
+// Ctrl+C on a running build through the real binary: the build stops after
+// the running action, logs the end events and exits with 130.
+#include <signal.h>
+
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "ZtRunner.h"
+#include "support/TempDir.h"
+
+namespace zt::testing {
+namespace {
+
+// Many quick actions, so the interrupt lands while the build runs.
+std::string ManyDeletes(int Count) {
+  std::string Yaml = "name: Long\nvariables:\n  MARK: set\nactions:\n";
+  for (int I = 0; I < Count; ++I)
+    Yaml += "  - action: Delete File(s)\n    FileSpec: nothing-" + std::to_string(I) + ".tmp\n    FailIfNoFile: false\n";
+  return Yaml;
+}
+
+TEST(HostStopTest, InterruptStopsTheBuildBetweenActionsAndExits130) {
+  TempDir D;
+  const int Count = 20000;
+  ZtResult R = RunZtAndSignal(D.Path(), ManyDeletes(Count), "\"action-end\"", SIGINT);
+  ASSERT_EQ(R.ExitCode, 130) << R.Stderr;
+  ASSERT_GE(R.Events.size(), 3u);
+  const auto& End = R.Events.back();
+  EXPECT_EQ(End["event"], "build-end");
+  EXPECT_EQ(End["result"], "stopped");
+  const auto& Vars = R.Events[R.Events.size() - 2];
+  EXPECT_EQ(Vars["event"], "variables");
+  EXPECT_EQ(Vars["values"]["MARK"], "set");
+  // Every action that started also ended, and the last ones never started.
+  int Started = 0, Ended = 0;
+  for (const auto& E : R.Events) {
+    Started += E["event"] == "action-start";
+    Ended += E["event"] == "action-end";
+  }
+  EXPECT_EQ(Started, Ended);
+  EXPECT_GE(Started, 1);
+  EXPECT_LT(Started, Count);
+  EXPECT_EQ(ActionResult(R, std::to_string(Count)), "");
+}
+
+}  // namespace
+}  // namespace zt::testing
