@@ -65,7 +65,9 @@ TEST(HostCommandsTest, ActionsListsTypesInRegistrationOrderAndMarksUnavailable) 
   EXPECT_EQ(Lines[4].find("not available yet"), std::string::npos);
   for (const auto& L : Lines) {
     auto Mark = L.find("(not available yet)");
-    if (Mark != std::string::npos) EXPECT_EQ(Mark + 19, L.size()) << L;
+    if (Mark != std::string::npos) {
+      EXPECT_EQ(Mark + 19, L.size()) << L;
+    }
   }
 }
 
