@@ -16,30 +16,55 @@
 
 namespace zt::platform::posix {
 
-bool IsDotHidden(const std::string& Path) {
-  std::string Name = ExtractFileName(ExcludeTrailingPathDelimiter(Path));
-  return !Name.empty() && Name[0] == '.' && Name != "." && Name != "..";
+bool IsDotHiddenName(const char* Name) {
+  return Name[0] == '.' && Name[1] != '\0' && !(Name[1] == '.' && Name[2] == '\0');
 }
 
-DWORD ReadStoredBits(const std::string& Path) {
-  char Value[64];
-  ssize_t N = getxattr(Path.c_str(), kDosAttributeName, Value, sizeof Value - 1);
-  if (N < 3) return 0;  // none stored, or no extended attributes here
+bool IsDotHidden(const std::string& Path) {
+  return IsDotHiddenName(ExtractFileName(ExcludeTrailingPathDelimiter(Path)).c_str());
+}
+
+namespace {
+
+// The bits of a stored value of N bytes (N < 0: nothing stored, or no
+// extended attributes here).
+DWORD ParseStoredBits(char* Value, ssize_t N) {
+  if (N < 3) return 0;
   Value[N] = '\0';
   if (Value[0] != '0' || (Value[1] != 'x' && Value[1] != 'X')) return 0;  // a binary form we do not read
   return static_cast<DWORD>(std::strtoul(Value + 2, nullptr, 16)) & kStoredBits;
 }
 
-DWORD AttributesOf(const std::string& Path, const struct stat& St) {
-  DWORD A = ReadStoredBits(Path);
-  if (IsDotHidden(Path)) A |= FILE_ATTRIBUTE_HIDDEN;
+}  // namespace
+
+DWORD ReadStoredBits(const std::string& Path) {
+  char Value[64];
+  return ParseStoredBits(Value, getxattr(Path.c_str(), kDosAttributeName, Value, sizeof Value - 1));
+}
+
+DWORD ReadStoredBits(int Fd) {
+  char Value[64];
+  return ParseStoredBits(Value, fgetxattr(Fd, kDosAttributeName, Value, sizeof Value - 1));
+}
+
+DWORD CombineAttributes(const struct stat& St, DWORD Stored, bool DotHidden) {
+  DWORD A = Stored;
+  if (DotHidden) A |= FILE_ATTRIBUTE_HIDDEN;
   if (IsReadOnlyMode(St.st_mode)) A |= FILE_ATTRIBUTE_READONLY;
   if (S_ISDIR(St.st_mode)) A |= FILE_ATTRIBUTE_DIRECTORY;
   return A ? A : FILE_ATTRIBUTE_NORMAL;
 }
 
+DWORD AttributesOf(const std::string& Path, const struct stat& St) {
+  return CombineAttributes(St, ReadStoredBits(Path), IsDotHidden(Path));
+}
+
 void FillInfo(const std::string& Path, const struct stat& St, FileInfo& Info) {
-  Info.Attributes = AttributesOf(Path, St);
+  FillInfo(St, AttributesOf(Path, St), Info);
+}
+
+void FillInfo(const struct stat& St, DWORD Attributes, FileInfo& Info) {
+  Info.Attributes = Attributes;
   Info.Size = S_ISDIR(St.st_mode) ? 0 : St.st_size;
   Info.LastWriteSeconds = St.st_mtim.tv_sec;
   Info.LastWriteNanoseconds = static_cast<std::int32_t>(St.st_mtim.tv_nsec);
@@ -48,11 +73,16 @@ void FillInfo(const std::string& Path, const struct stat& St, FileInfo& Info) {
 }
 
 DWORD PosixEnv::QueryFileInfo(const std::string& Path, FileInfo& Info) {
+  // One call for a file or a missing name; a symbolic link is followed, and
+  // a dangling one is still an entry: it describes the link itself.
   struct stat St;
-  // A dangling symbolic link is still an entry: describe the link itself.
-  if (stat(Path.c_str(), &St) != 0) {
-    int Error = errno;
-    if (Error != ENOENT || lstat(Path.c_str(), &St) != 0) return PathError(Error, Path);
+  if (lstat(Path.c_str(), &St) != 0) return PathError(errno, Path);
+  if (S_ISLNK(St.st_mode)) {
+    struct stat Target;
+    if (stat(Path.c_str(), &Target) == 0)
+      St = Target;
+    else if (errno != ENOENT)
+      return PathError(errno, Path);
   }
   FillInfo(Path, St, Info);
   return ERROR_SUCCESS;

@@ -1,13 +1,22 @@
-// CopyFileExA on POSIX. The data goes into a temporary file beside the
-// target, in large chunks (copy_file_range lets the kernel or the file system
-// move the bytes), and is renamed into place only when complete: a cancel, a
-// full disk or any other failure leaves no partial target.
+// CopyFileExA on POSIX. The data moves in large chunks (copy_file_range lets
+// the kernel or the file system move the bytes); a cancel, a full disk or any
+// other failure leaves no partial target and an existing target untouched:
+//  - a target that does not exist yet is created exclusively under its own
+//    name (the name is ours from then on) and removed again on failure;
+//  - an existing target is replaced by a temporary file beside it, renamed
+//    over it only when complete, so the old file is never lost.
+// The source is opened and described once (fstat); its stored attributes,
+// and the copy's times, attributes and permissions, go through the open
+// descriptors, so a small file costs about as many calls as `cp` makes.
 #include <errno.h>
 #include <fcntl.h>
 #include <stdio.h>
 #include <sys/stat.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
+#include <atomic>
+#include <cstdio>
 #include <vector>
 
 #include "platform/posix/posix_env.h"
@@ -39,16 +48,29 @@ DWORD ReadWriteCopy(int From, int To, std::int64_t MaxBytes, std::int64_t& Copie
   return ERROR_SUCCESS;
 }
 
-// Owns the temporary file: closes it and, unless kept, removes it.
-class TempFile {
+class FdCloser {
  public:
-  TempFile(int Fd, std::string Path) : Fd_(Fd), Path_(std::move(Path)) {}
-  ~TempFile() {
+  explicit FdCloser(int Fd) : Fd_(Fd) {}
+  ~FdCloser() { close(Fd_); }
+  FdCloser(const FdCloser&) = delete;
+  FdCloser& operator=(const FdCloser&) = delete;
+
+ private:
+  int Fd_;
+};
+
+// The file being written: the target itself (created by this copy) or a
+// temporary file beside it. Until Keep(), destroying it closes the
+// descriptor and removes the file, so a failed copy leaves nothing behind.
+class OutputFile {
+ public:
+  OutputFile(int Fd, std::string Path) : Fd_(Fd), Path_(std::move(Path)) {}
+  ~OutputFile() {
     if (Fd_ >= 0) close(Fd_);
     if (!Kept_) unlink(Path_.c_str());
   }
-  TempFile(const TempFile&) = delete;
-  TempFile& operator=(const TempFile&) = delete;
+  OutputFile(const OutputFile&) = delete;
+  OutputFile& operator=(const OutputFile&) = delete;
   int Fd() const { return Fd_; }
   const std::string& Path() const { return Path_; }
   // Closes the descriptor: 0, or the error a delayed write reports.
@@ -65,17 +87,6 @@ class TempFile {
   bool Kept_ = false;
 };
 
-class FdCloser {
- public:
-  explicit FdCloser(int Fd) : Fd_(Fd) {}
-  ~FdCloser() { close(Fd_); }
-  FdCloser(const FdCloser&) = delete;
-  FdCloser& operator=(const FdCloser&) = delete;
-
- private:
-  int Fd_;
-};
-
 // Calls the progress routine; false when it asks to stop (PROGRESS_CANCEL or
 // PROGRESS_STOP). PROGRESS_QUIET silences it for the rest of the copy.
 bool Report(LPPROGRESS_ROUTINE& Progress, void* Data, std::int64_t Total, std::int64_t Done, DWORD Reason) {
@@ -85,10 +96,15 @@ bool Report(LPPROGRESS_ROUTINE& Progress, void* Data, std::int64_t Total, std::i
   return Answer == PROGRESS_CONTINUE || Answer == PROGRESS_QUIET;
 }
 
+// The caller's cancel flag, which another thread may set at any time.
+bool Cancelled(BOOL* Cancel) {
+  return Cancel && std::atomic_ref<BOOL>(*Cancel).load(std::memory_order_relaxed) != 0;
+}
+
 // Why an existing target refuses to be replaced (0 when it may be).
 DWORD CheckTarget(const std::string& New, const struct stat& Source, const CopyOptions& Options) {
   struct stat Target;
-  if (stat(New.c_str(), &Target) != 0) return ERROR_SUCCESS;  // nothing there; missing folders show later
+  if (stat(New.c_str(), &Target) != 0) return ERROR_SUCCESS;  // a dangling link: replaced by the rename
   if (Target.st_dev == Source.st_dev && Target.st_ino == Source.st_ino) return ERROR_SHARING_VIOLATION;
   if (Options.FailIfExists) return Options.ExistsError;
   if (CheckWritable(Target) != ERROR_SUCCESS) return ERROR_ACCESS_DENIED;
@@ -97,16 +113,39 @@ DWORD CheckTarget(const std::string& New, const struct stat& Source, const CopyO
   return ERROR_SUCCESS;
 }
 
-// Gives the copy the source's stored attributes plus archive, its
-// permissions (so read-only stays read-only) and its last-write time.
-DWORD CopyMetadata(const std::string& Existing, const struct stat& Source, const TempFile& Temp) {
-  DWORD Bits = ReadStoredBits(Existing) | FILE_ATTRIBUTE_ARCHIVE;
-  DWORD Error = Env::Default()->WriteDosAttributes(Temp.Path(), Bits);
+// Creates New for writing, failing when anything of that name exists.
+// -1 with errno set on failure.
+int CreateExclusively(const std::string& New, mode_t Mode) {
+  return open(New.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, Mode);
+}
+
+// Stores Bits beside the file being written. The platform's own Env writes
+// through the descriptor; an installed replacement sees the primitive call.
+DWORD StoreDosBits(const OutputFile& Out, DWORD Bits) {
+  Env* E = Env::Default();
+  if (E != Env::Platform()) return E->WriteDosAttributes(Out.Path(), Bits);
+  char Value[16];
+  int Len = std::snprintf(Value, sizeof Value, "0x%x", static_cast<unsigned>(Bits & kStoredBits));
+  if (fsetxattr(Out.Fd(), kDosAttributeName, Value, static_cast<size_t>(Len), 0) == 0) return ERROR_SUCCESS;
+  return errno == ENOTSUP ? ERROR_NOT_SUPPORTED : ErrnoToWindowsError(errno);
+}
+
+// Gives the copy the source's stored attributes plus archive and its
+// last-write time. The permissions are the source's less the umask, as for
+// any new file: the output was created with them plus the owner's write bit
+// (so that the attributes could go in), which a source without it (a
+// read-only one, for instance) takes away again here.
+DWORD CopyMetadata(int In, const struct stat& Source, const OutputFile& Out) {
+  DWORD Error = StoreDosBits(Out, ReadStoredBits(In) | FILE_ATTRIBUTE_ARCHIVE);
   // A file system without extended attributes still gets the data.
   if (Error != ERROR_SUCCESS && Error != ERROR_NOT_SUPPORTED) return Error;
   struct timespec Times[2] = {{0, UTIME_OMIT}, Source.st_mtim};
-  if (futimens(Temp.Fd(), Times) != 0) return ErrnoToWindowsError(errno);
-  if (fchmod(Temp.Fd(), Source.st_mode & 07777) != 0) return ErrnoToWindowsError(errno);
+  if (futimens(Out.Fd(), Times) != 0) return ErrnoToWindowsError(errno);
+  if (!(Source.st_mode & S_IWUSR)) {
+    struct stat Created;
+    if (fstat(Out.Fd(), &Created) != 0 || fchmod(Out.Fd(), Created.st_mode & 07777 & ~S_IWUSR) != 0)
+      return ErrnoToWindowsError(errno);
+  }
   return ERROR_SUCCESS;
 }
 
@@ -120,6 +159,27 @@ DWORD RenameIntoPlace(const std::string& Temp, const std::string& New, const Cop
     if (lstat(New.c_str(), &St) == 0) return Options.ExistsError;
   }
   return rename(Temp.c_str(), New.c_str()) == 0 ? ERROR_SUCCESS : PathError(errno, New);
+}
+
+// Copies the data of In (Total bytes when the copy started) to Out with
+// progress: at the start, after every chunk, and once at the end for an
+// empty file. Stops at Total, or earlier when the source shrinks.
+DWORD CopyData(int In, int Out, std::int64_t Total, LPPROGRESS_ROUTINE Progress, void* Data, BOOL* Cancel) {
+  if (!Report(Progress, Data, Total, 0, CALLBACK_STREAM_SWITCH)) return ERROR_REQUEST_ABORTED;
+  if (Total > kChunkBytes) posix_fadvise(In, 0, 0, POSIX_FADV_SEQUENTIAL);
+  std::int64_t Done = 0;
+  do {
+    if (Cancelled(Cancel)) return ERROR_REQUEST_ABORTED;
+    if (Done == Total) break;
+    std::int64_t Copied = 0;
+    DWORD Error = Env::Default()->CopyChunk(In, Out, std::min(kChunkBytes, Total - Done), Copied);
+    if (Error != ERROR_SUCCESS) return Error;
+    if (Copied == 0) break;  // the source became shorter
+    Done += Copied;
+    if (!Report(Progress, Data, Total, Done, CALLBACK_CHUNK_FINISHED)) return ERROR_REQUEST_ABORTED;
+  } while (Done < Total);
+  if (Done == 0 && !Report(Progress, Data, 0, 0, CALLBACK_CHUNK_FINISHED)) return ERROR_REQUEST_ABORTED;
+  return ERROR_SUCCESS;
 }
 
 }  // namespace
@@ -144,44 +204,36 @@ DWORD PosixEnv::CopyChunk(THandle From, THandle To, std::int64_t MaxBytes, std::
 
 bool CopyWithProgress(const std::string& Existing, const std::string& New, LPPROGRESS_ROUTINE Progress,
                       void* Data, BOOL* Cancel, const CopyOptions& Options) {
-  struct stat Source;
-  if (stat(Existing.c_str(), &Source) != 0) return Fail(PathError(errno, Existing));
-  if (S_ISDIR(Source.st_mode)) return Fail(ERROR_ACCESS_DENIED);
-  if (DWORD Error = CheckTarget(New, Source, Options)) return Fail(Error);
-
   int In = open(Existing.c_str(), O_RDONLY | O_CLOEXEC);
   if (In < 0) return Fail(PathError(errno, Existing));
   FdCloser InCloser(In);
-  std::string TempPath;
-  DWORD Error = ERROR_SUCCESS;
-  int Fd = CreateTempBeside(New, TempPath, Error);
-  if (Fd < 0) return Fail(Error);
-  TempFile Temp(Fd, TempPath);
+  struct stat Source;
+  if (fstat(In, &Source) != 0) return Fail(ErrnoToWindowsError(errno));
+  if (S_ISDIR(Source.st_mode)) return Fail(ERROR_ACCESS_DENIED);
 
-  const std::int64_t Total = Source.st_size;
-  std::int64_t Done = 0;
-  if (!Report(Progress, Data, Total, 0, CALLBACK_STREAM_SWITCH)) return Fail(ERROR_REQUEST_ABORTED);
-  posix_fadvise(In, 0, 0, POSIX_FADV_SEQUENTIAL);
-  for (;;) {
-    if (Cancel && *Cancel) return Fail(ERROR_REQUEST_ABORTED);
-    // Asking for exactly what is left spares small files a call; one more
-    // call past the size finds the end (or what was appended meanwhile).
-    std::int64_t Want = Done < Total ? std::min(kChunkBytes, Total - Done) : kChunkBytes;
-    std::int64_t Copied = 0;
-    Error = Env::Default()->CopyChunk(In, Temp.Fd(), Want, Copied);
-    if (Error != ERROR_SUCCESS) return Fail(Error);
-    if (Copied == 0) break;
-    Done += Copied;
-    if (!Report(Progress, Data, std::max(Total, Done), Done, CALLBACK_CHUNK_FINISHED))
-      return Fail(ERROR_REQUEST_ABORTED);
+  const mode_t CreateMode = (Source.st_mode & 07777) | S_IWUSR;
+  std::string OutPath = New;
+  int Fd = CreateExclusively(New, CreateMode);
+  bool Replacing = false;
+  if (Fd < 0) {
+    if (errno != EEXIST) return Fail(PathError(errno, New));
+    // Something is there: replace it only through a complete temporary file.
+    if (DWORD Error = CheckTarget(New, Source, Options)) return Fail(Error);
+    DWORD Error = ERROR_SUCCESS;
+    Fd = CreateTempBeside(New, OutPath, Error, CreateMode);
+    if (Fd < 0) return Fail(Error);
+    Replacing = true;
   }
-  if (Done == 0 && !Report(Progress, Data, 0, 0, CALLBACK_CHUNK_FINISHED)) return Fail(ERROR_REQUEST_ABORTED);
+  OutputFile Out(Fd, OutPath);
 
-  if ((Error = CopyMetadata(Existing, Source, Temp))) return Fail(Error);
-  if (Options.WriteThrough && fdatasync(Temp.Fd()) != 0) return Fail(ErrnoToWindowsError(errno));
-  if ((Error = Temp.Close())) return Fail(Error);
-  if ((Error = RenameIntoPlace(Temp.Path(), New, Options))) return Fail(Error);
-  Temp.Keep();
+  DWORD Error = CopyData(In, Out.Fd(), Source.st_size, Progress, Data, Cancel);
+  if (Error == ERROR_SUCCESS) Error = CopyMetadata(In, Source, Out);
+  if (Error == ERROR_SUCCESS && Options.WriteThrough && fdatasync(Out.Fd()) != 0)
+    Error = ErrnoToWindowsError(errno);
+  if (Error == ERROR_SUCCESS) Error = Out.Close();
+  if (Error == ERROR_SUCCESS && Replacing) Error = RenameIntoPlace(Out.Path(), New, Options);
+  if (Error != ERROR_SUCCESS) return Fail(Error);
+  Out.Keep();
   return true;
 }
 

@@ -31,16 +31,16 @@ DWORD CheckWritable(const struct stat& St) {
   return S_ISDIR(St.st_mode) || IsReadOnlyMode(St.st_mode) ? ERROR_ACCESS_DENIED : ERROR_SUCCESS;
 }
 
-int CreateTempBeside(const std::string& Target, std::string& TempPath, DWORD& Error) {
+int CreateTempBeside(const std::string& Target, std::string& TempPath, DWORD& Error, mode_t Mode) {
   // A hidden name that keeps the target's, so a crash leaves a recognisable
-  // file. Mode 0666 lets the umask decide, as for any new file.
+  // file. The umask applies, as for any new file.
   static std::atomic<unsigned> Counter{0};
   const std::string Stem = ExtractFilePath(Target) + "." + ExtractFileName(Target).substr(0, 200) + ".zt-";
   for (int Attempt = 0; Attempt < 100; ++Attempt) {
     char Suffix[32];
     std::snprintf(Suffix, sizeof Suffix, "%x-%x", static_cast<unsigned>(getpid()), Counter.fetch_add(1));
     TempPath = Stem + Suffix;
-    int Fd = open(TempPath.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+    int Fd = open(TempPath.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, Mode);
     if (Fd >= 0) return Fd;
     if (errno != EEXIST) break;
   }

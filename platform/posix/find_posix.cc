@@ -2,6 +2,8 @@
 // Windows wildcards, Delphi's attribute-mask rule.
 #include <dirent.h>
 #include <errno.h>
+#include <fcntl.h>
+#include <sys/stat.h>
 
 #include "platform/dates.h"
 #include "platform/paths.h"
@@ -27,7 +29,7 @@ class PosixFindState final : public FindState {
     if (!Dir_) return false;
     while (struct dirent* E = readdir(Dir_)) {
       if (!MatchesWildcard(E->d_name, Pattern_)) continue;
-      if (Env::Default()->QueryFileInfo(Prefix_ + E->d_name, Info) != ERROR_SUCCESS) continue;
+      if (!Describe(E->d_name, Info)) continue;
       if (static_cast<int>(Info.Attributes) & ExcludeAttr) continue;
       Name = E->d_name;
       return true;
@@ -36,6 +38,20 @@ class PosixFindState final : public FindState {
   }
 
  private:
+  // Fills Info for the entry Name; false when it is gone. The platform's own
+  // Env looks the entry up relative to the open directory (no walk of the
+  // whole path); a replacement Env gets the QueryFileInfo primitive call.
+  bool Describe(const char* Name, FileInfo& Info) {
+    if (!PlatformEnvInstalled()) return Env::Default()->QueryFileInfo(Prefix_ + Name, Info) == ERROR_SUCCESS;
+    struct stat St;
+    if (fstatat(dirfd(Dir_), Name, &St, 0) != 0) {
+      // A dangling symbolic link is still an entry: describe the link itself.
+      if (errno != ENOENT || fstatat(dirfd(Dir_), Name, &St, AT_SYMLINK_NOFOLLOW) != 0) return false;
+    }
+    FillInfo(St, CombineAttributes(St, ReadStoredBits(Prefix_ + Name), IsDotHiddenName(Name)), Info);
+    return true;
+  }
+
   DIR* Dir_;            // null for a search that named one file exactly
   std::string Prefix_;  // the directory part, delimiter included
   std::string Pattern_;

@@ -66,21 +66,36 @@ inline bool IsReadOnlyMode(mode_t Mode) { return (Mode & (S_IWUSR | S_IWGRP | S_
 // Attributes of an existing file from its stat data and name (reads the
 // stored DOS bits).
 DWORD AttributesOf(const std::string& Path, const struct stat& St);
-// The stored DOS bits (kStoredBits) of Path; 0 when none are stored.
+// Attributes from stat data, the stored DOS bits and whether the name hides
+// the file.
+DWORD CombineAttributes(const struct stat& St, DWORD Stored, bool DotHidden);
+// The stored DOS bits (kStoredBits) of Path, or of the open file Fd; 0 when
+// none are stored.
 DWORD ReadStoredBits(const std::string& Path);
+DWORD ReadStoredBits(int Fd);
 // True for a name the platform hides: a leading dot, except "." and "..".
+// IsDotHidden takes a path, IsDotHiddenName a bare name.
 bool IsDotHidden(const std::string& Path);
+bool IsDotHiddenName(const char* Name);
 
-// Fills Info from stat data.
+// Fills Info from stat data, reading Path's attributes, or with Attributes.
 void FillInfo(const std::string& Path, const struct stat& St, FileInfo& Info);
+void FillInfo(const struct stat& St, DWORD Attributes, FileInfo& Info);
+
+// True while the platform's own Env is installed. Services then may use
+// descriptor- and directory-relative calls instead of their path-based
+// primitives; with a replacement installed they call the primitives, so the
+// replacement sees (and can fail) every one.
+inline bool PlatformEnvInstalled() { return Env::Default() == Env::Platform(); }
 
 // Checks that Path may be replaced or written: 0, or ERROR_ACCESS_DENIED for
 // a read-only file or a directory.
 DWORD CheckWritable(const struct stat& St);
 
-// The copy behind CopyFileExA and a move across file systems: into a
-// temporary file beside New, renamed into place at the end; on any failure
-// or cancel the temporary file is removed and New is left as it was.
+// The copy behind CopyFileExA and a move across file systems. A new target
+// is created under its own name, an existing one replaced by a temporary
+// file renamed over it at the end; on any failure or cancel the file being
+// written is removed and an existing New is left as it was.
 struct CopyOptions {
   bool FailIfExists = false;
   DWORD ExistsError = ERROR_FILE_EXISTS;  // what an existing New gives when FailIfExists
@@ -90,8 +105,8 @@ bool CopyWithProgress(const std::string& Existing, const std::string& New, LPPRO
                       void* Data, BOOL* Cancel, const CopyOptions& Options);
 
 // A unique temporary file next to Target (same directory, so renaming it
-// over Target is atomic). Returns the descriptor and fills TempPath, or -1
-// with the Windows error in Error.
-int CreateTempBeside(const std::string& Target, std::string& TempPath, DWORD& Error);
+// over Target is atomic), created with Mode less the umask. Returns the
+// descriptor and fills TempPath, or -1 with the Windows error in Error.
+int CreateTempBeside(const std::string& Target, std::string& TempPath, DWORD& Error, mode_t Mode = 0666);
 
 }  // namespace zt::platform::posix

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 #include <sys/xattr.h>
+#include <unistd.h>
 
 #include "platform/env.h"
 #include "platform/files.h"
@@ -31,6 +32,20 @@ TEST(Attributes, MissingFileAndMissingFolderGiveTwoAndThree) {
   EXPECT_EQ(GetFileAttributesA(T / "nope.txt"), INVALID_FILE_ATTRIBUTES);
   EXPECT_EQ(GetLastError(), ERROR_FILE_NOT_FOUND);
   EXPECT_EQ(GetFileAttributesA(T / "nodir/nope.txt"), INVALID_FILE_ATTRIBUTES);
+  EXPECT_EQ(GetLastError(), ERROR_PATH_NOT_FOUND);
+}
+
+TEST(Attributes, LinksAreFollowedAndADanglingLinkDescribesItself) {
+  TempDir T;
+  WriteText(T / "a.txt", "x");
+  ASSERT_TRUE(SetFileAttributesA(T / "a.txt", FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_SYSTEM));
+  ASSERT_EQ(symlink("a.txt", (T / "to-file").c_str()), 0);
+  ASSERT_EQ(symlink(T.Path().c_str(), (T / "to-dir").c_str()), 0);
+  ASSERT_EQ(symlink("missing", (T / "dangling").c_str()), 0);
+  EXPECT_EQ(GetFileAttributesA(T / "to-file"), FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_SYSTEM);
+  EXPECT_EQ(GetFileAttributesA(T / "to-dir"), FILE_ATTRIBUTE_DIRECTORY);
+  EXPECT_EQ(GetFileAttributesA(T / "dangling"), FILE_ATTRIBUTE_NORMAL);
+  EXPECT_EQ(GetFileAttributesA(T / "a.txt/x"), INVALID_FILE_ATTRIBUTES);
   EXPECT_EQ(GetLastError(), ERROR_PATH_NOT_FOUND);
 }
 

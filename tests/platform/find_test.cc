@@ -1,6 +1,7 @@
 #include <dirent.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <set>
@@ -138,6 +139,39 @@ TEST(Find, FileVanishingInMidWalkIsSkipped) {
   VanishingFile Env(T / "b.txt");
   ScopedEnv Installed(&Env);
   EXPECT_EQ(Find(T / "*.txt", 0), (std::set<std::string>{"a.txt", "c.txt"}));
+}
+
+TEST(Find, LinksAreFollowedAndADanglingLinkIsStillAnEntry) {
+  TempDir T;
+  WriteText(T / "a.txt", "12345");
+  ASSERT_TRUE(SetFileAttributesA(T / "a.txt", FILE_ATTRIBUTE_READONLY));
+  ASSERT_EQ(symlink("a.txt", (T / "good.txt").c_str()), 0);
+  ASSERT_EQ(symlink("missing", (T / "dangling.txt").c_str()), 0);
+  EXPECT_EQ(Find(T / "*.txt", 0), (std::set<std::string>{"a.txt", "good.txt", "dangling.txt"}));
+  TSearchRec F;
+  ASSERT_EQ(FindFirst(T / "g*.txt", 0, F), 0);
+  EXPECT_EQ(F.Name, "good.txt");
+  EXPECT_EQ(F.Size, 5);
+  EXPECT_EQ(F.Attr, faReadOnly);
+  FindClose(F);
+  ASSERT_EQ(FindFirst(T / "d*.txt", 0, F), 0);
+  EXPECT_EQ(F.Name, "dangling.txt");
+  EXPECT_EQ(F.Attr, faNormal);
+  FindClose(F);
+}
+
+TEST(Find, StoredAndDotHiddenEntriesNeedTheHiddenBitInTheMask) {
+  TempDir T;
+  for (const char* Name : {"a.txt", ".b.txt", "c.txt"}) WriteText(T / Name, "x");
+  ASSERT_TRUE(SetFileAttributesA(T / "c.txt", FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_ARCHIVE));
+  EXPECT_EQ(Find(T / "*.txt", 0), (std::set<std::string>{"a.txt"}));
+  TSearchRec F;
+  ASSERT_EQ(FindFirst(T / "c*", faHidden, F), 0);
+  EXPECT_EQ(F.Attr, faHidden | faArchive);
+  FindClose(F);
+  ASSERT_EQ(FindFirst(T / ".b*", faHidden, F), 0);
+  EXPECT_EQ(F.Attr, faHidden);
+  FindClose(F);
 }
 
 }  // namespace
