@@ -7,6 +7,7 @@
 #include <errno.h>
 #include <sys/stat.h>
 #include <sys/xattr.h>
+#include <time.h>
 
 #include <cstdio>
 #include <cstdlib>
@@ -47,6 +48,54 @@ DWORD ReadStoredBits(int Fd) {
   return ParseStoredBits(Value, fgetxattr(Fd, kDosAttributeName, Value, sizeof Value - 1));
 }
 
+// The stored bits last read, per thread, by file identity and change time.
+// Storing the attribute sets the file's change time to the current time, so
+// an entry whose change time still matches the file's describes the file as
+// it is. That holds only for change times that were already in the past when
+// the file was described: the clock that stamps them may tick coarsely, and
+// a change within the same tick would leave the time as it was. Hence an
+// entry is kept only for a change time over a second older than the clock
+// read before the stat.
+namespace {
+
+struct CachedBits {
+  std::uint64_t Device = 0, Inode = 0;
+  std::int64_t Seconds = -1;
+  std::int64_t Nanoseconds = 0;
+  DWORD Bits = 0;
+};
+constexpr std::size_t kCachedFiles = 256;
+constexpr std::int64_t kSettledSeconds = 1;
+thread_local CachedBits Cache[kCachedFiles];
+
+template <class ReadFn>
+DWORD CachedStoredBits(const struct stat& St, const struct timespec& Before, ReadFn Read) {
+  CachedBits& E = Cache[St.st_ino % kCachedFiles];
+  if (E.Seconds == St.st_ctim.tv_sec && E.Nanoseconds == St.st_ctim.tv_nsec && E.Inode == St.st_ino &&
+      E.Device == St.st_dev)
+    return E.Bits;
+  DWORD Bits = Read();
+  if (St.st_ctim.tv_sec + kSettledSeconds < Before.tv_sec)
+    E = {St.st_dev, St.st_ino, St.st_ctim.tv_sec, St.st_ctim.tv_nsec, Bits};
+  return Bits;
+}
+
+}  // namespace
+
+struct timespec ClockBeforeStat() {
+  struct timespec Now;
+  clock_gettime(CLOCK_REALTIME, &Now);
+  return Now;
+}
+
+DWORD StoredBitsOf(const std::string& Path, const struct stat& St, const struct timespec& Before) {
+  return CachedStoredBits(St, Before, [&] { return ReadStoredBits(Path); });
+}
+
+DWORD StoredBitsOf(int Fd, const struct stat& St, const struct timespec& Before) {
+  return CachedStoredBits(St, Before, [&] { return ReadStoredBits(Fd); });
+}
+
 DWORD CombineAttributes(const struct stat& St, DWORD Stored, bool DotHidden) {
   DWORD A = Stored;
   if (DotHidden) A |= FILE_ATTRIBUTE_HIDDEN;
@@ -57,10 +106,6 @@ DWORD CombineAttributes(const struct stat& St, DWORD Stored, bool DotHidden) {
 
 DWORD AttributesOf(const std::string& Path, const struct stat& St) {
   return CombineAttributes(St, ReadStoredBits(Path), IsDotHidden(Path));
-}
-
-void FillInfo(const std::string& Path, const struct stat& St, FileInfo& Info) {
-  FillInfo(St, AttributesOf(Path, St), Info);
 }
 
 void FillInfo(const struct stat& St, DWORD Attributes, FileInfo& Info) {
@@ -75,6 +120,7 @@ void FillInfo(const struct stat& St, DWORD Attributes, FileInfo& Info) {
 DWORD PosixEnv::QueryFileInfo(const std::string& Path, FileInfo& Info) {
   // One call for a file or a missing name; a symbolic link is followed, and
   // a dangling one is still an entry: it describes the link itself.
+  const struct timespec Before = ClockBeforeStat();
   struct stat St;
   if (lstat(Path.c_str(), &St) != 0) return PathError(errno, Path);
   if (S_ISLNK(St.st_mode)) {
@@ -84,7 +130,7 @@ DWORD PosixEnv::QueryFileInfo(const std::string& Path, FileInfo& Info) {
     else if (errno != ENOENT)
       return PathError(errno, Path);
   }
-  FillInfo(Path, St, Info);
+  FillInfo(St, CombineAttributes(St, StoredBitsOf(Path, St, Before), IsDotHidden(Path)), Info);
   return ERROR_SUCCESS;
 }
 

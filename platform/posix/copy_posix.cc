@@ -135,8 +135,8 @@ DWORD StoreDosBits(const OutputFile& Out, DWORD Bits) {
 // any new file: the output was created with them plus the owner's write bit
 // (so that the attributes could go in), which a source without it (a
 // read-only one, for instance) takes away again here.
-DWORD CopyMetadata(int In, const struct stat& Source, const OutputFile& Out) {
-  DWORD Error = StoreDosBits(Out, ReadStoredBits(In) | FILE_ATTRIBUTE_ARCHIVE);
+DWORD CopyMetadata(int In, const struct stat& Source, const struct timespec& Before, const OutputFile& Out) {
+  DWORD Error = StoreDosBits(Out, StoredBitsOf(In, Source, Before) | FILE_ATTRIBUTE_ARCHIVE);
   // A file system without extended attributes still gets the data.
   if (Error != ERROR_SUCCESS && Error != ERROR_NOT_SUPPORTED) return Error;
   struct timespec Times[2] = {{0, UTIME_OMIT}, Source.st_mtim};
@@ -207,6 +207,7 @@ bool CopyWithProgress(const std::string& Existing, const std::string& New, LPPRO
   int In = open(Existing.c_str(), O_RDONLY | O_CLOEXEC);
   if (In < 0) return Fail(PathError(errno, Existing));
   FdCloser InCloser(In);
+  const struct timespec Before = ClockBeforeStat();
   struct stat Source;
   if (fstat(In, &Source) != 0) return Fail(ErrnoToWindowsError(errno));
   if (S_ISDIR(Source.st_mode)) return Fail(ERROR_ACCESS_DENIED);
@@ -227,7 +228,7 @@ bool CopyWithProgress(const std::string& Existing, const std::string& New, LPPRO
   OutputFile Out(Fd, OutPath);
 
   DWORD Error = CopyData(In, Out.Fd(), Source.st_size, Progress, Data, Cancel);
-  if (Error == ERROR_SUCCESS) Error = CopyMetadata(In, Source, Out);
+  if (Error == ERROR_SUCCESS) Error = CopyMetadata(In, Source, Before, Out);
   if (Error == ERROR_SUCCESS && Options.WriteThrough && fdatasync(Out.Fd()) != 0)
     Error = ErrnoToWindowsError(errno);
   if (Error == ERROR_SUCCESS) Error = Out.Close();

@@ -43,12 +43,13 @@ class PosixFindState final : public FindState {
   // whole path); a replacement Env gets the QueryFileInfo primitive call.
   bool Describe(const char* Name, FileInfo& Info) {
     if (!PlatformEnvInstalled()) return Env::Default()->QueryFileInfo(Prefix_ + Name, Info) == ERROR_SUCCESS;
+    const struct timespec Before = ClockBeforeStat();
     struct stat St;
     if (fstatat(dirfd(Dir_), Name, &St, 0) != 0) {
       // A dangling symbolic link is still an entry: describe the link itself.
       if (errno != ENOENT || fstatat(dirfd(Dir_), Name, &St, AT_SYMLINK_NOFOLLOW) != 0) return false;
     }
-    FillInfo(St, CombineAttributes(St, ReadStoredBits(Prefix_ + Name), IsDotHiddenName(Name)), Info);
+    FillInfo(St, CombineAttributes(St, StoredBitsOf(Prefix_ + Name, St, Before), IsDotHiddenName(Name)), Info);
     return true;
   }
 

@@ -73,13 +73,18 @@ DWORD CombineAttributes(const struct stat& St, DWORD Stored, bool DotHidden);
 // none are stored.
 DWORD ReadStoredBits(const std::string& Path);
 DWORD ReadStoredBits(int Fd);
+// The same for a file described by St, from a per-thread memory of recent
+// reads when the file has not changed since (see attributes_posix.cc).
+// Before is the clock read just before St was taken (ClockBeforeStat).
+struct timespec ClockBeforeStat();
+DWORD StoredBitsOf(const std::string& Path, const struct stat& St, const struct timespec& Before);
+DWORD StoredBitsOf(int Fd, const struct stat& St, const struct timespec& Before);
 // True for a name the platform hides: a leading dot, except "." and "..".
 // IsDotHidden takes a path, IsDotHiddenName a bare name.
 bool IsDotHidden(const std::string& Path);
 bool IsDotHiddenName(const char* Name);
 
-// Fills Info from stat data, reading Path's attributes, or with Attributes.
-void FillInfo(const std::string& Path, const struct stat& St, FileInfo& Info);
+// Fills Info from stat data and the file's attributes.
 void FillInfo(const struct stat& St, DWORD Attributes, FileInfo& Info);
 
 // True while the platform's own Env is installed. Services then may use

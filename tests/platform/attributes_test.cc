@@ -2,6 +2,9 @@
 #include <sys/xattr.h>
 #include <unistd.h>
 
+#include <chrono>
+#include <thread>
+
 #include "platform/env.h"
 #include "platform/files.h"
 #include "tests/platform/file_util.h"
@@ -112,6 +115,30 @@ TEST(Attributes, WithoutExtendedAttributesSettingHiddenFailsAndChangesNothing) {
   // What needs no extended attribute still works.
   EXPECT_TRUE(SetFileAttributesA(T / "a.txt", FILE_ATTRIBUTE_READONLY));
   EXPECT_TRUE(SetFileAttributesA(T / "a.txt", FILE_ATTRIBUTE_NORMAL));
+}
+
+// Files whose change time lies well in the past: the layer may remember
+// their stored attributes, and must notice when another program changes them.
+TEST(Attributes, ChangeByAnotherProgramIsSeenAfterASearchHasReadTheFile) {
+  TempDir T;
+  WriteText(T / "a.txt", "x");
+  std::this_thread::sleep_for(std::chrono::milliseconds(2100));
+  TSearchRec F;
+  ASSERT_EQ(FindFirst(T / "a.txt", faAnyFile, F), 0);
+  EXPECT_EQ(F.Attr, faNormal);
+  FindClose(F);
+  ASSERT_EQ(FindFirst(T / "*.txt", faAnyFile, F), 0);
+  EXPECT_EQ(F.Attr, faNormal);
+  FindClose(F);
+  EXPECT_EQ(GetFileAttributesA(T / "a.txt"), FILE_ATTRIBUTE_NORMAL);
+  ASSERT_EQ(setxattr((T / "a.txt").c_str(), "user.DOSATTRIB", "0x4", 3, 0), 0);  // system
+  EXPECT_EQ(GetFileAttributesA(T / "a.txt"), FILE_ATTRIBUTE_SYSTEM);
+  ASSERT_EQ(FindFirst(T / "*.txt", faAnyFile, F), 0);
+  EXPECT_EQ(F.Attr, faSysFile);
+  FindClose(F);
+  EXPECT_NE(FindFirst(T / "*.txt", 0, F), 0);
+  ASSERT_TRUE(CopyFileExA(T / "a.txt", T / "b.txt", nullptr, nullptr, nullptr, 0));
+  EXPECT_EQ(StoredValue(T / "b.txt"), "0x24");
 }
 
 }  // namespace
