@@ -2,8 +2,8 @@
 # Times copying through the portable layer against cp, on the same machine
 # in the same run: one 1 GiB file (CopyFileExA against `cp`) and a tree of
 # 20,000 small files in 200 directories (FindFirst recursion + CopyFileExA
-# against `cp -r`; `cp -a`, which also keeps times and modes as the layer
-# does, is shown for reference). Each copy runs three times, interleaved,
+# against `cp -r`; `cp -a`, which also keeps times as the layer does, is
+# shown for reference). Each copy runs three times, interleaved,
 # each after a sync; the best time counts. Data lives in a scratch directory
 # deleted at the end.
 #
