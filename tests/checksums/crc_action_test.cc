@@ -1,7 +1,7 @@
 // "Calculate File CRC32" run against an in-memory host.
 #include <gtest/gtest.h>
 
-#include "ErrorCollector.h"
+#include "support/ActionTesting.h"
 #include "PlainChecksums.h"
 #include "checksums/Ztfilecrcaction.h"
 #include "platform/env.h"
@@ -171,10 +171,10 @@ TEST_F(CRCActionTest, FileComparisonRunsBeforeValueComparison) {
 }
 
 TEST_F(CRCActionTest, ValidationRequiresAFileName) {
-  testing::ErrorCollector Errors;
+  testing::ValidationErrors Errors;
   EXPECT_FALSE(Action.Validate(Errors));
-  EXPECT_EQ(Errors.Errors, (std::vector<std::pair<std::string, std::string>>{{"File Name", "Filename has not been set"}}));
-  testing::ErrorCollector None;
+  EXPECT_EQ(Errors.Errors, (std::vector<std::string>{"File Name: Filename has not been set"}));
+  testing::ValidationErrors None;
   Action.SetFileName("x.bin");
   EXPECT_TRUE(Action.Validate(None));
   EXPECT_TRUE(None.Errors.empty());

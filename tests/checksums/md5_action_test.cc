@@ -7,7 +7,7 @@
 
 #include <stdexcept>
 
-#include "ErrorCollector.h"
+#include "support/ActionTesting.h"
 #include "PlainChecksums.h"
 #include "checksums/Ztfilemd5action.h"
 #include "support/FakeHost.h"
@@ -193,11 +193,11 @@ TEST_F(MD5ActionTest, ExceptionDuringTheRunIsReportedInTwoLines) {
 }
 
 TEST_F(MD5ActionTest, ValidationRequiresAFileName) {
-  testing::ErrorCollector Errors;
+  testing::ValidationErrors Errors;
   EXPECT_FALSE(Action.Validate(Errors));
-  EXPECT_EQ(Errors.Errors, (std::vector<std::pair<std::string, std::string>>{{"File Name", "Filename has not been set"}}));
+  EXPECT_EQ(Errors.Errors, (std::vector<std::string>{"File Name: Filename has not been set"}));
   Action.SetFileName("x");
-  testing::ErrorCollector None;
+  testing::ValidationErrors None;
   EXPECT_TRUE(Action.Validate(None));
 }
 

@@ -13,6 +13,7 @@
 #include "files/Ztcopymove.h"
 #include "platform/errors.h"
 #include "platform/files.h"
+#include "support/ActionTesting.h"
 #include "support/FakeHost.h"
 #include "support/TempDir.h"
 
@@ -34,17 +35,6 @@ inline std::string ReadText(const std::string& Path) {
 inline bool Exists(const std::string& Path) { return fs::exists(fs::symlink_status(Path)); }
 
 inline pf::DWORD Attributes(const std::string& Path) { return pf::GetFileAttributesA(Path); }
-
-// Names FindFirst/FindNext give for Spec under Attr, in directory order.
-inline Lines FoundNames(const std::string& Spec, int Attr) {
-  Lines R;
-  pf::TSearchRec F;
-  if (pf::FindFirst(Spec, Attr, F) != 0) return R;
-  do R.push_back(F.Name);
-  while (pf::FindNext(F) == 0);
-  pf::FindClose(F);
-  return R;
-}
 
 template <class Action>
 class ActionTest : public ::testing::Test {

@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "files/Ztcopymove.h"
+#include "support/ActionTesting.h"
 
 namespace zt::testing {
 namespace {
@@ -13,13 +14,6 @@ namespace {
 using package::TCopyFilesAction;
 using package::TMoveFilesAction;
 using Lines = std::vector<std::string>;
-
-struct ValidationErrors : frame::IZTActionValidationError {
-  Lines Errors;
-  void AddError(const std::string& Title, const std::string& Message) override {
-    Errors.push_back(Title + ": " + Message);
-  }
-};
 
 TEST(CopyMoveSetters, WildcardFileSpecMakesTheTargetADirectory) {
   for (const char* Spec : {"src/*.txt", "src/a?.txt", "*"}) {

@@ -13,6 +13,7 @@
 #include "platform/env.h"
 #include "platform/errors.h"
 #include "platform/files.h"
+#include "support/ActionTesting.h"
 #include "support/FakeHost.h"
 
 namespace zt::testing {
@@ -21,24 +22,6 @@ namespace pf = zt::platform;
 using Lines = std::vector<std::string>;
 
 inline void WriteFile(const std::string& Path, const std::string& Text = "x") { std::ofstream(Path) << Text; }
-
-// Names FindFirst/FindNext give for Spec under Mask, in their order.
-inline Lines FoundNames(const std::string& Spec, int Mask) {
-  Lines R;
-  pf::TSearchRec F;
-  if (pf::FindFirst(Spec, Mask, F) != 0) return R;
-  do R.push_back(F.Name);
-  while (pf::FindNext(F) == 0);
-  pf::FindClose(F);
-  return R;
-}
-
-struct ValidationErrors : frame::IZTActionValidationError {
-  Lines Errors;
-  void AddError(const std::string& Title, const std::string& Message) override {
-    Errors.push_back(Title + ": " + Message);
-  }
-};
 
 // Makes SetFileAttributesA and FileOpen fail with ERROR_ACCESS_DENIED for
 // the paths in Victims; installed for its lifetime.

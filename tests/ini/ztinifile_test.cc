@@ -7,6 +7,7 @@
 
 #include "ini/ini_test_files.h"
 #include "platform/files.h"
+#include "support/ActionTesting.h"
 #include "support/FakeHost.h"
 #include "support/TempDir.h"
 #include "text/Ztinifile.h"
@@ -18,6 +19,7 @@ using frame::TZTVariant;
 using Lines = std::vector<std::string>;
 using zt::testing::ReadBytes;
 using zt::testing::TempDir;
+using zt::testing::ValidationErrors;
 using zt::testing::WriteBytes;
 
 // Also records each sent entry's own text and how many entries were made.
@@ -33,11 +35,6 @@ class Host : public zt::testing::FakeHost {
     EntryTexts.push_back(M->GetText());
     FakeHost::SendStatusMessage(A, M);
   }
-};
-
-struct ValidationErrors : frame::IZTActionValidationError {
-  std::vector<std::pair<std::string, std::string>> Errors;
-  void AddError(const std::string& Title, const std::string& Message) override { Errors.emplace_back(Title, Message); }
 };
 
 class IniActionTest : public ::testing::Test {
@@ -305,12 +302,11 @@ TEST_F(IniActionTest, ValidateReportsMissingSettingsInOrder) {
   ValidationErrors ER, EW;
   EXPECT_FALSE(R.Validate(ER));
   EXPECT_FALSE(W.Validate(EW));
-  const std::vector<std::pair<std::string, std::string>> Common = {
-      {"Ini File", "Ini file has not been set"},
-      {"Section", "The section has not been set"},
-      {"Value Name", "The value name has not been set"}};
+  const std::vector<std::string> Common = {"Ini File: Ini file has not been set",
+                                           "Section: The section has not been set",
+                                           "Value Name: The value name has not been set"};
   auto ReadErrors = Common;
-  ReadErrors.emplace_back("Variable", "The variable name has not been set");
+  ReadErrors.push_back("Variable: The variable name has not been set");
   EXPECT_EQ(ER.Errors, ReadErrors);
   EXPECT_EQ(EW.Errors, Common);
   ValidationErrors None;

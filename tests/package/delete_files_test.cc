@@ -11,6 +11,7 @@
 #include "platform/env.h"
 #include "platform/errors.h"
 #include "platform/files.h"
+#include "support/ActionTesting.h"
 #include "support/FakeHost.h"
 #include "support/TempDir.h"
 
@@ -25,23 +26,9 @@ using Lines = std::vector<std::string>;
 void Touch(const std::string& Path) { std::ofstream(Path) << "x"; }
 bool Exists(const std::string& Path) { return fs::exists(fs::symlink_status(Path)); }
 
-// Names a delete run visits for Spec, in the order the file system gives them.
-Lines FoundNames(const std::string& Spec) {
-  Lines R;
-  pf::TSearchRec F;
-  if (pf::FindFirst(Spec, pf::faReadOnly | pf::faHidden, F) != 0) return R;
-  do R.push_back(F.Name);
-  while (pf::FindNext(F) == 0);
-  pf::FindClose(F);
-  return R;
-}
-
-struct ValidationErrors : frame::IZTActionValidationError {
-  Lines Errors;
-  void AddError(const std::string& Title, const std::string& Message) override {
-    Errors.push_back(Title + ": " + Message);
-  }
-};
+// Names a delete run visits for Spec (its mask: read-only and hidden), in
+// the order the file system gives them.
+Lines FoundNames(const std::string& Spec) { return testing::FoundNames(Spec, pf::faReadOnly | pf::faHidden); }
 
 class DeleteFilesTest : public ::testing::Test {
  protected:
