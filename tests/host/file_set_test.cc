@@ -1,7 +1,7 @@
 // Project file sets: glob matching (*, ?, **), the walk under a base
 // directory with includes and excludes, sorted full paths, refresh with its
 // log lines, and look-up by name.
-#include "host/file_set.h"
+#include "host/project/file_set.h"
 
 #include <filesystem>
 #include <fstream>

@@ -1,8 +1,8 @@
-#include "host/project_loader.h"
+#include "host/project/project_loader.h"
 
 #include <gtest/gtest.h>
 
-#include "host/property_values.h"
+#include "host/project/property_values.h"
 #include "test_action.h"
 
 namespace zt::host {

@@ -1,4 +1,4 @@
-#include "host/runner.h"
+#include "host/run/runner.h"
 
 #include <stdio.h>
 #include <stdlib.h>
@@ -9,8 +9,8 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
-#include "host/json_log.h"
-#include "host/project_loader.h"
+#include "host/log/json_log.h"
+#include "host/project/project_loader.h"
 #include "test_action.h"
 
 namespace zt::host {

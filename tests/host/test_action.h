@@ -8,7 +8,7 @@
 #include <string>
 
 #include "frame/ZTAction.h"
-#include "host/registry_of_actions.h"
+#include "host/project/registry_of_actions.h"
 
 namespace zt::testing {
 

@@ -1,4 +1,4 @@
-#include "host/registry_of_actions.h"
+#include "host/project/registry_of_actions.h"
 
 #include <strings.h>
 

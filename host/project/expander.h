@@ -13,7 +13,7 @@
 #include <unordered_map>
 #include <vector>
 
-#include "host/variables.h"
+#include "host/project/variables.h"
 
 namespace zt::host {
 

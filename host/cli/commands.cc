@@ -1,4 +1,4 @@
-#include "host/commands.h"
+#include "host/cli/commands.h"
 
 #include <unistd.h>
 
@@ -9,14 +9,14 @@
 #include <map>
 
 #include "frame/ZTStrings.h"
-#include "host/console_log.h"
-#include "host/did_you_mean.h"
-#include "host/json_log.h"
-#include "host/package_loader.h"
-#include "host/project_loader.h"
-#include "host/property_values.h"
-#include "host/runner.h"
-#include "host/stop_signal.h"
+#include "host/log/console_log.h"
+#include "host/project/did_you_mean.h"
+#include "host/log/json_log.h"
+#include "host/project/package_loader.h"
+#include "host/project/project_loader.h"
+#include "host/project/property_values.h"
+#include "host/run/runner.h"
+#include "host/run/stop_signal.h"
 
 namespace zt::host {
 

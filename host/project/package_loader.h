@@ -5,7 +5,7 @@
 #include <stdexcept>
 #include <string>
 
-#include "host/registry_of_actions.h"
+#include "host/project/registry_of_actions.h"
 
 namespace zt::host {
 

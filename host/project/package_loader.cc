@@ -1,4 +1,4 @@
-#include "host/package_loader.h"
+#include "host/project/package_loader.h"
 
 #include <dlfcn.h>
 

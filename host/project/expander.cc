@@ -1,4 +1,4 @@
-#include "host/expander.h"
+#include "host/project/expander.h"
 
 #include <cctype>
 #include <cstring>

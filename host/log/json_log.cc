@@ -1,4 +1,4 @@
-#include "host/json_log.h"
+#include "host/log/json_log.h"
 
 #include <cerrno>
 #include <cstring>

@@ -6,8 +6,8 @@
 
 #include <CLI/CLI.hpp>
 
-#include "host/commands.h"
-#include "host/did_you_mean.h"
+#include "host/cli/commands.h"
+#include "host/project/did_you_mean.h"
 #include "host/version.h"
 
 using namespace zt::host;

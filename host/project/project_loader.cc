@@ -1,4 +1,4 @@
-#include "host/project_loader.h"
+#include "host/project/project_loader.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -8,9 +8,9 @@
 #include <yaml-cpp/yaml.h>
 
 #include "frame/ZTStrings.h"
-#include "host/did_you_mean.h"
-#include "host/property_values.h"
-#include "host/variables.h"
+#include "host/project/did_you_mean.h"
+#include "host/project/property_values.h"
+#include "host/project/variables.h"
 
 namespace zt::host {
 

@@ -12,8 +12,8 @@
 #include <vector>
 
 #include "frame/ZTFileSet.h"
-#include "host/glob.h"
-#include "host/project.h"
+#include "host/project/glob.h"
+#include "host/project/project.h"
 
 namespace zt::host {
 

@@ -7,7 +7,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include "host/build_log.h"
+#include "host/log/build_log.h"
 
 namespace zt::host {
 

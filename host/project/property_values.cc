@@ -1,10 +1,10 @@
-#include "host/property_values.h"
+#include "host/project/property_values.h"
 
 #include <cerrno>
 #include <cstdlib>
 
 #include "frame/ZTStrings.h"
-#include "host/did_you_mean.h"
+#include "host/project/did_you_mean.h"
 #include "platform/dates.h"
 
 namespace zt::host {

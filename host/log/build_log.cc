@@ -1,4 +1,4 @@
-#include "host/build_log.h"
+#include "host/log/build_log.h"
 
 namespace zt::host {
 

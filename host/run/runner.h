@@ -11,11 +11,11 @@
 #include <unordered_map>
 
 #include "frame/ZTAction.h"
-#include "host/build_log.h"
-#include "host/expander.h"
-#include "host/file_set.h"
-#include "host/project.h"
-#include "host/variables.h"
+#include "host/log/build_log.h"
+#include "host/project/expander.h"
+#include "host/project/file_set.h"
+#include "host/project/project.h"
+#include "host/project/variables.h"
 
 namespace zt::host {
 

@@ -1,4 +1,4 @@
-#include "host/runner.h"
+#include "host/run/runner.h"
 
 #include <chrono>
 #include <filesystem>

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "host/build_log.h"
+#include "host/log/build_log.h"
 
 namespace zt::host {
 

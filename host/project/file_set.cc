@@ -1,4 +1,4 @@
-#include "host/file_set.h"
+#include "host/project/file_set.h"
 
 #include <algorithm>
 #include <filesystem>

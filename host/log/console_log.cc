@@ -1,4 +1,4 @@
-#include "host/console_log.h"
+#include "host/log/console_log.h"
 
 #include <algorithm>
 

@@ -1,4 +1,4 @@
-#include "host/glob.h"
+#include "host/project/glob.h"
 
 namespace zt::host {
 

@@ -1,4 +1,4 @@
-#include "host/variables.h"
+#include "host/project/variables.h"
 
 #include <cctype>
 #include <cstdlib>

@@ -1,4 +1,4 @@
-#include "host/did_you_mean.h"
+#include "host/project/did_you_mean.h"
 
 #include <algorithm>
 #include <cctype>

@@ -6,8 +6,8 @@
 #include <stdexcept>
 #include <string>
 
-#include "host/project.h"
-#include "host/registry_of_actions.h"
+#include "host/project/project.h"
+#include "host/project/registry_of_actions.h"
 
 namespace zt::host {
 
