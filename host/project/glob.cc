@@ -16,24 +16,28 @@ std::vector<std::string_view> SplitPath(std::string_view Path) {
   return R;
 }
 
-// Pattern components P[Pi..] against path components N[Ni..]. "**" tries
-// every split, but consecutive "**" add nothing and are folded, so the
-// work stays polynomial.
-bool MatchParts(const std::vector<std::string>& P, std::size_t Pi, const std::vector<std::string_view>& N,
-                std::size_t Ni) {
-  while (Pi < P.size()) {
-    if (P[Pi] == "**") {
-      while (Pi + 1 < P.size() && P[Pi + 1] == "**") ++Pi;
-      if (Pi + 1 == P.size()) return true;
-      for (std::size_t K = Ni; K <= N.size(); ++K)
-        if (MatchParts(P, Pi + 1, N, K)) return true;
+// Pattern components P against path components N: "**" stands for any run
+// of components, every other component for exactly one. The same single
+// backtrack point as MatchComponent (the last "**"): the earliest match of
+// what follows a "**" is always the best, so the work stays P x N.
+bool MatchParts(const std::vector<std::string>& P, const std::vector<std::string_view>& N) {
+  std::size_t Pi = 0, Ni = 0, StarP = std::string::npos, StarN = 0;
+  while (Ni < N.size()) {
+    if (Pi < P.size() && P[Pi] == "**") {
+      StarP = Pi++;
+      StarN = Ni;
+    } else if (Pi < P.size() && MatchComponent(P[Pi], N[Ni])) {
+      ++Pi;
+      ++Ni;
+    } else if (StarP != std::string::npos) {
+      Pi = StarP + 1;
+      Ni = ++StarN;
+    } else {
       return false;
     }
-    if (Ni == N.size() || !MatchComponent(P[Pi], N[Ni])) return false;
-    ++Pi;
-    ++Ni;
   }
-  return Ni == N.size();
+  while (Pi < P.size() && P[Pi] == "**") ++Pi;
+  return Pi == P.size();
 }
 
 }  // namespace
@@ -63,12 +67,12 @@ Glob::Glob(std::string_view Pattern) : Pattern_(Pattern) {
   for (std::string_view Part : SplitPath(Pattern)) Parts_.emplace_back(Part);
 }
 
-bool Glob::Matches(std::string_view Path) const { return MatchParts(Parts_, 0, SplitPath(Path), 0); }
+bool Glob::Matches(std::string_view Path) const { return MatchParts(Parts_, SplitPath(Path)); }
 
 bool Glob::MatchesEverythingBelow(std::string_view Dir) const {
   if (Parts_.empty() || Parts_.back() != "**") return false;
   std::vector<std::string> Prefix(Parts_.begin(), Parts_.end() - 1);
-  return Prefix.empty() || MatchParts(Prefix, 0, SplitPath(Dir), 0);
+  return Prefix.empty() || MatchParts(Prefix, SplitPath(Dir));
 }
 
 }  // namespace zt::host

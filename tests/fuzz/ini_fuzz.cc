@@ -10,7 +10,7 @@
 
 namespace {
 const std::string& FilePath() {
-  static const std::string P = "/tmp/zt-ini-fuzz-" + std::to_string(getpid()) + ".ini";
+  static const std::string P = "/dev/shm/zt-ini-fuzz-" + std::to_string(getpid()) + ".ini";
   return P;
 }
 }  // namespace
