@@ -44,7 +44,7 @@ bool Load(const CommandOptions& O, Project& P, std::ostream& Err) {
     P = LoadProject(O.Project, Registry());
     return true;
   } catch (const ProjectError& E) {
-    Err << E.what() << "\n";
+    for (const auto& L : E.Lines()) Err << L << "\n";
     return false;
   }
 }
@@ -56,7 +56,12 @@ bool ParseVars(const std::vector<std::string>& Vars, VariableList& Out, std::ost
       Err << "zt: --var expects NAME=VALUE, got \"" << V << "\"\n";
       return false;
     }
-    Out.emplace_back(V.substr(0, Eq), TypedValueOf(V.substr(Eq + 1)));
+    std::string Name = V.substr(0, Eq);
+    if (!IsVariableName(Name)) {
+      Err << "zt: --var \"" << V << "\": \"" << Name << "\" is not a valid variable name (letters, digits, _, . and -)\n";
+      return false;
+    }
+    Out.emplace_back(Name, TypedValueOf(V.substr(Eq + 1)));
   }
   return true;
 }

@@ -1,24 +1,34 @@
 #include "host/project/expander.h"
 
-#include <cctype>
 #include <cstring>
 
 namespace zt::host {
 
-UndefinedVariable::UndefinedVariable(const std::string& Name)
-    : std::runtime_error("Variable \"" + Name + "\" is not defined"), Name_(Name) {}
+UndefinedVariable::UndefinedVariable(const std::string& Name, const std::string& UsedIn)
+    : ExpansionError("Variable \"" + Name + "\" is not defined" +
+                     (UsedIn.empty() ? "" : " (used in the value of \"" + UsedIn + "\")")),
+      Name_(Name) {}
 
 namespace {
 
-bool IsNameChar(char C) {
-  return std::isalnum(static_cast<unsigned char>(C)) || C == '_' || C == '.' || C == '-';
+std::string Joined(const std::vector<std::string>& Names) {
+  std::string R;
+  for (const auto& N : Names) R += (R.empty() ? "" : " -> ") + N;
+  return R;
 }
+
+// Deeper than any real project; keeps a long chain of values from exhausting the stack.
+constexpr std::size_t kMaxNesting = 100;
 
 bool NeedsExpansion(const std::string& Text) {
   return std::memchr(Text.data(), '%', Text.size()) || Text.find("$$(") != std::string::npos;
 }
 
 }  // namespace
+
+VariableCycle::VariableCycle(std::vector<std::string> Names)
+    : ExpansionError("Variables refer to each other in a cycle: " + Joined(Names)),
+      Names_(std::move(Names)) {}
 
 Expander::Pieces Expander::Tokenize(const std::string& Text) {
   Pieces Out;
@@ -35,7 +45,7 @@ Expander::Pieces Expander::Tokenize(const std::string& Text) {
         continue;
       }
       std::size_t End = I + 1;
-      while (End < Text.size() && IsNameChar(Text[End])) ++End;
+      while (End < Text.size() && IsVariableNameChar(Text[End])) ++End;
       if (End > I + 1 && End < Text.size() && Text[End] == '%') {
         Flush();
         Out.push_back({true, Text.substr(I + 1, End - I - 1)});
@@ -62,19 +72,49 @@ std::shared_ptr<const Expander::Pieces> Expander::PiecesOf(const std::string& Te
 
 std::string Expander::Expand(const std::string& Text, const Variables& Vars) {
   if (!NeedsExpansion(Text)) return Text;
-  auto P = PiecesOf(Text);
   std::string Out;
   Out.reserve(Text.size());
+  std::vector<std::string> Chain;
+  Append(Text, Vars, Chain, Out);
+  return Out;
+}
+
+void Expander::Append(const std::string& Text, const Variables& Vars, std::vector<std::string>& Chain,
+                      std::string& Out) {
+  if (!NeedsExpansion(Text)) {
+    Out += Text;
+    return;
+  }
+  auto P = PiecesOf(Text);
   for (const Piece& Item : *P) {
     if (!Item.IsReference) {
       Out += Item.Text;
       continue;
     }
-    auto Value = Vars.Lookup(Item.Text);
-    if (!Value) throw UndefinedVariable(Item.Text);
-    Out += Value->AsString();
+    const TZTVariant* Own = Vars.FindProject(Item.Text);
+    if (!Own) {
+      auto Value = Vars.Lookup(Item.Text);
+      if (!Value) throw UndefinedVariable(Item.Text, Chain.empty() ? "" : Chain.back());
+      Out += Value->AsString();
+      continue;
+    }
+    if (Own->Kind() != TZTVariant::TKind::String) {
+      Out += Own->AsString();
+      continue;
+    }
+    for (std::size_t I = 0; I < Chain.size(); ++I)
+      if (LowerCase(Chain[I]) == LowerCase(Item.Text)) {
+        std::vector<std::string> Cycle(Chain.begin() + static_cast<std::ptrdiff_t>(I), Chain.end());
+        Cycle.push_back(Item.Text);
+        throw VariableCycle(std::move(Cycle));
+      }
+    if (Chain.size() == kMaxNesting)
+      throw ExpansionError("Variable \"" + Item.Text + "\" nests references more than " +
+                           std::to_string(kMaxNesting) + " levels deep");
+    Chain.push_back(Item.Text);
+    Append(Own->AsString(), Vars, Chain, Out);
+    Chain.pop_back();
   }
-  return Out;
 }
 
 std::size_t Expander::CachedTexts() const {

@@ -4,6 +4,10 @@
 //
 // Rules: %NAME% is the variable's value as text (NAME: letters, digits, '_',
 // '.', '-'); "%%" gives '%'; "$$(" gives "$("; any other '%' and "$(" stay.
+// A project variable's text value is itself expanded by these rules when it
+// is used (so "dist/app-%VERSION%" works, and "%%" in a value gives '%'); the
+// result is not scanned again. Predefined and environment values are taken
+// as they are.
 #pragma once
 
 #include <memory>
@@ -17,19 +21,37 @@
 
 namespace zt::host {
 
-// An expanded text referred to a name that no variable has.
-class UndefinedVariable : public std::runtime_error {
+// A text could not be expanded; what() is one sentence saying why.
+class ExpansionError : public std::runtime_error {
  public:
-  explicit UndefinedVariable(const std::string& Name);
+  using std::runtime_error::runtime_error;
+};
+
+// An expanded text referred to a name that no variable has.
+class UndefinedVariable : public ExpansionError {
+ public:
+  // UsedIn: the variable whose value held the reference ("" for the text itself).
+  explicit UndefinedVariable(const std::string& Name, const std::string& UsedIn = "");
   const std::string& Name() const { return Name_; }
 
  private:
   std::string Name_;
 };
 
+// Variables whose values refer to each other in a cycle; Names() lists them
+// in the order they were reached, the first one repeated at the end.
+class VariableCycle : public ExpansionError {
+ public:
+  explicit VariableCycle(std::vector<std::string> Names);
+  const std::vector<std::string>& Names() const { return Names_; }
+
+ private:
+  std::vector<std::string> Names_;
+};
+
 class Expander {
  public:
-  // Throws UndefinedVariable for the first undefined reference.
+  // Throws UndefinedVariable or VariableCycle.
   std::string Expand(const std::string& Text, const Variables& Vars);
 
   // Number of distinct texts tokenized so far (for tests of the cache).
@@ -43,6 +65,9 @@ class Expander {
   using Pieces = std::vector<Piece>;
   static Pieces Tokenize(const std::string& Text);
   std::shared_ptr<const Pieces> PiecesOf(const std::string& Text);
+  // Appends Text expanded to Out; Chain holds the variables being expanded.
+  void Append(const std::string& Text, const Variables& Vars, std::vector<std::string>& Chain,
+              std::string& Out);
 
   mutable std::mutex Mutex_;  // scripts may expand from another thread than the build's
   std::unordered_map<std::string, std::shared_ptr<const Pieces>> Cache_;

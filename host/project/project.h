@@ -32,7 +32,8 @@ struct FileSetDefinition {
 };
 
 struct Project {
-  std::string File;  // absolute path
+  std::string File;      // absolute path
+  std::string FileName;  // as the user gave it: in messages and the build log
   std::string Name;
   std::vector<std::pair<std::string, frame::TZTVariant>> InitialVariables;
   std::vector<FileSetDefinition> FileSets;

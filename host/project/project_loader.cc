@@ -1,115 +1,196 @@
 #include "host/project/project_loader.h"
 
+#include <yaml-cpp/depthguard.h>
+#include <yaml-cpp/yaml.h>
+
 #include <algorithm>
+#include <cerrno>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <map>
 #include <sstream>
-
-#include <yaml-cpp/yaml.h>
 
 #include "frame/ZTStrings.h"
 #include "host/project/did_you_mean.h"
 #include "host/project/property_values.h"
 #include "host/project/variables.h"
+#include "host/project/yaml_checks.h"
 
 namespace zt::host {
 
 namespace {
 
 const std::vector<std::string> kProjectKeys = {"name", "variables", "filesets", "actions"};
-const std::vector<std::string> kHostKeys = {"action", "title", "enabled", "ignoreFailure", "actions", "scripts"};
+const std::vector<std::string> kHostKeys = {"action",        "title",   "enabled",
+                                            "ignoreFailure", "actions", "scripts"};
 const std::vector<std::string> kFileSetKeys = {"base", "include", "exclude"};
 
-int LineOf(const YAML::Node& Node) { return Node.Mark().is_null() ? 0 : Node.Mark().line + 1; }
+std::string JoinedLines(const std::string& File, const std::vector<LoadError>& Errors) {
+  std::string R;
+  for (const auto& E : Errors)
+    R += (R.empty() ? "" : "\n") + File + (E.Line ? ":" + std::to_string(E.Line) : "") + ": " + E.Text;
+  return R;
+}
+
+// Only loops and flow-control actions run children. A type not built yet
+// cannot say, so its children are kept (the run refuses the type anyway).
+bool TakesChildren(const ActionNode& A) {
+  return A.Action->GetIsFlowControlAction() || !A.Type->Class->IsAvailable();
+}
 
 class Loader {
  public:
-  Loader(const std::string& FileName, const ActionRegistry& Registry) : FileName_(FileName), Registry_(Registry) {}
+  Loader(const std::string& FileName, const ActionRegistry& Registry)
+      : FileName_(FileName), Registry_(Registry) {}
 
   Project Load(const YAML::Node& Root) {
     Project P;
-    if (Root.IsNull()) return P;
-    if (!Root.IsMap()) Fail(Root, "a project is a mapping with name, variables, filesets and actions");
-    for (const auto& Entry : Root) {
-      std::string Key = Entry.first.Scalar();
-      const YAML::Node& Value = Entry.second;
-      if (Key == "name") P.Name = Scalar(Value, "name");
-      else if (Key == "variables") LoadVariables(Value, P);
-      else if (Key == "filesets") LoadFileSets(Value, P);
-      else if (Key == "actions") LoadActions(Value, "", P.Actions);
-      else Fail(Entry.first, "unknown key \"" + Key + "\"" + DidYouMean(Key, kProjectKeys));
+    bool Fatal = false;
+    for (auto& Problem : CheckYaml(Root, &Fatal)) Errors_.push_back({Problem.Line, std::move(Problem.Text)});
+    if (!Fatal) Try([&] { LoadRoot(Root, P); });
+    if (!Errors_.empty()) {
+      std::stable_sort(Errors_.begin(), Errors_.end(),
+                       [](const auto& A, const auto& B) { return A.Line < B.Line; });
+      throw ProjectError(FileName_, std::move(Errors_));
     }
     return P;
   }
 
  private:
-  [[noreturn]] void Fail(const YAML::Node& At, const std::string& What) const {
-    throw ProjectError(FileName_ + ":" + std::to_string(LineOf(At)) + ": " + What);
+  struct Skip {};  // thrown after an error is recorded: the item at hand is left out
+
+  void Report(const YAML::Node& At, const std::string& What) { Errors_.push_back({LineOf(At), What}); }
+  [[noreturn]] void Fail(const YAML::Node& At, const std::string& What) {
+    Report(At, What);
+    throw Skip{};
+  }
+  template <class Fn>
+  void Try(Fn&& F) {
+    try {
+      F();
+    } catch (const Skip&) {
+    }
   }
 
-  std::string Scalar(const YAML::Node& Node, const std::string& What) const {
+  std::string Scalar(const YAML::Node& Node, const std::string& What) {
     if (Node.IsNull()) return "";
     if (!Node.IsScalar()) Fail(Node, What + " must be a text");
     return Node.Scalar();
   }
 
-  bool Boolean(const YAML::Node& Node, const std::string& What) const {
+  bool Boolean(const YAML::Node& Node, const std::string& What) {
     bool B;
-    if (!Node.IsScalar() || !YAML::convert<bool>::decode(Node, B)) Fail(Node, What + " must be true or false");
+    if (!Node.IsScalar() || !YAML::convert<bool>::decode(Node, B))
+      Fail(Node, What + " must be true or false");
     return B;
   }
 
-  std::vector<std::string> TextList(const YAML::Node& Node, const std::string& What) const {
+  std::vector<std::string> TextList(const YAML::Node& Node, const std::string& What) {
     std::vector<std::string> R;
-    if (Node.IsScalar()) R.push_back(Node.Scalar());
+    if (Node.IsScalar())
+      R.push_back(Node.Scalar());
     else if (Node.IsSequence())
       for (const auto& Item : Node) R.push_back(Scalar(Item, What));
-    else if (!Node.IsNull()) Fail(Node, What + " must be a text or a list of texts");
+    else if (!Node.IsNull())
+      Fail(Node, What + " must be a text or a list of texts");
     return R;
   }
 
-  void LoadVariables(const YAML::Node& Node, Project& P) const {
+  void LoadRoot(const YAML::Node& Root, Project& P) {
+    const char* kNoActions = "the project has no \"actions\" list (an empty project is \"actions: []\")";
+    if (Root.IsNull()) {
+      Errors_.push_back({1, kNoActions});
+      return;
+    }
+    if (!Root.IsMap()) Fail(Root, "a project is a mapping with name, variables, filesets and actions");
+    bool HasActions = false;
+    for (const auto& Entry : Root) {
+      Try([&] {
+        std::string Key = Entry.first.Scalar();
+        const YAML::Node& Value = Entry.second;
+        if (Key == "name")
+          P.Name = Scalar(Value, "name");
+        else if (Key == "variables")
+          LoadVariables(Value, P);
+        else if (Key == "filesets")
+          LoadFileSets(Value, P);
+        else if (Key == "actions") {
+          HasActions = true;
+          if (Value.IsNull()) Fail(Entry.first, kNoActions);
+          if (!Value.IsSequence()) Fail(Value, "actions must be a list");
+          LoadActions(Value, "", P.Actions);
+        } else
+          Fail(Entry.first, "unknown key \"" + Key + "\"" + DidYouMean(Key, kProjectKeys));
+      });
+    }
+    if (!HasActions) Errors_.push_back({std::max(LineOf(Root), 1), kNoActions});
+  }
+
+  void LoadVariables(const YAML::Node& Node, Project& P) {
     if (Node.IsNull()) return;
     if (!Node.IsMap()) Fail(Node, "variables must be a mapping of name to value");
+    std::map<std::string, int> Lines;  // lower-case name -> line of its definition
     for (const auto& V : Node) {
-      const YAML::Node& Value = V.second;
-      if (!Value.IsScalar() && !Value.IsNull()) Fail(Value, "variable \"" + V.first.Scalar() + "\" must be a text, Boolean or integer");
-      std::string Text = Value.IsNull() ? "" : Value.Scalar();
-      // A quoted value is always text; a plain one may be a Boolean or an integer.
-      bool Quoted = Value.Tag() == "!";
-      P.InitialVariables.emplace_back(V.first.Scalar(), Quoted ? frame::TZTVariant(Text) : TypedValueOf(Text));
+      Try([&] {
+        std::string Name = V.first.Scalar();
+        const YAML::Node& Value = V.second;
+        if (!IsVariableName(Name))
+          Fail(V.first, "variable name \"" + Name + "\" is not valid (letters, digits, _, . and -)");
+        auto [It, First] = Lines.emplace(LowerCase(Name), LineOf(V.first));
+        if (!First && It->second != LineOf(V.first))  // the same spelling twice is a duplicate key already
+          Report(V.first, "variable \"" + Name + "\" is defined on line " + std::to_string(It->second) +
+                              " already (names ignore letter case)");
+        if (!Value.IsScalar() && !Value.IsNull())
+          Fail(Value, "variable \"" + Name + "\" must be a text, Boolean or integer");
+        std::string Text = Value.IsNull() ? "" : Value.Scalar();
+        // A quoted value is always text; a plain one may be a Boolean or an integer.
+        bool Quoted = Value.Tag() == "!";
+        P.InitialVariables.emplace_back(Name, Quoted ? frame::TZTVariant(Text) : TypedValueOf(Text));
+      });
     }
   }
 
-  void LoadFileSets(const YAML::Node& Node, Project& P) const {
+  void LoadFileSets(const YAML::Node& Node, Project& P) {
     if (Node.IsNull()) return;
     if (!Node.IsMap()) Fail(Node, "filesets must be a mapping of name to file set");
     for (const auto& S : Node) {
-      FileSetDefinition F;
-      F.Name = S.first.Scalar();
-      F.Line = LineOf(S.first);
-      if (!S.second.IsMap()) Fail(S.second, "file set \"" + F.Name + "\" must be a mapping with base, include and exclude");
-      for (const auto& E : S.second) {
-        std::string Key = E.first.Scalar();
-        if (Key == "base") F.Base = Scalar(E.second, "base");
-        else if (Key == "include") F.Include = TextList(E.second, "include");
-        else if (Key == "exclude") F.Exclude = TextList(E.second, "exclude");
-        else Fail(E.first, "unknown key \"" + Key + "\" in file set \"" + F.Name + "\"" + DidYouMean(Key, kFileSetKeys));
-      }
-      P.FileSets.push_back(std::move(F));
+      Try([&] {
+        FileSetDefinition F;
+        F.Name = S.first.Scalar();
+        F.Line = LineOf(S.first);
+        if (!S.second.IsMap())
+          Fail(S.second, "file set \"" + F.Name + "\" must be a mapping with base, include and exclude");
+        for (const auto& E : S.second) {
+          Try([&] {
+            std::string Key = E.first.Scalar();
+            if (Key == "base")
+              F.Base = Scalar(E.second, "base");
+            else if (Key == "include")
+              F.Include = TextList(E.second, "include");
+            else if (Key == "exclude")
+              F.Exclude = TextList(E.second, "exclude");
+            else
+              Fail(E.first, "unknown key \"" + Key + "\" in file set \"" + F.Name + "\"" +
+                                DidYouMean(Key, kFileSetKeys));
+          });
+        }
+        P.FileSets.push_back(std::move(F));
+      });
     }
   }
 
-  void LoadActions(const YAML::Node& Node, const std::string& ParentId, std::vector<ActionNode>& Out) const {
+  void LoadActions(const YAML::Node& Node, const std::string& ParentId, std::vector<ActionNode>& Out) {
     if (Node.IsNull()) return;
     if (!Node.IsSequence()) Fail(Node, "actions must be a list");
+    int Index = 0;
     for (const auto& Item : Node) {
-      std::string Id = ParentId + (ParentId.empty() ? "" : ".") + std::to_string(Out.size() + 1);
-      Out.push_back(LoadAction(Item, Id));
+      std::string Id = ParentId + (ParentId.empty() ? "" : ".") + std::to_string(++Index);
+      Try([&] { Out.push_back(LoadAction(Item, Id)); });
     }
   }
 
-  ActionNode LoadAction(const YAML::Node& Node, const std::string& Id) const {
+  ActionNode LoadAction(const YAML::Node& Node, const std::string& Id) {
     if (!Node.IsMap()) Fail(Node, "an action must be a mapping with the key \"action\"");
     const YAML::Node TypeNode = Node["action"];
     if (!TypeNode) Fail(Node, "action without the key \"action\"");
@@ -118,7 +199,11 @@ class Loader {
     A.Id = Id;
     A.Line = LineOf(Node);
     A.Type = Registry_.Find(TypeName);
-    if (!A.Type) Fail(TypeNode, "unknown action \"" + TypeName + "\"" + DidYouMean(TypeName, Registry_.Names()));
+    if (!A.Type) {
+      Report(TypeNode, "unknown action \"" + TypeName + "\"" + DidYouMean(TypeName, Registry_.Names()));
+      if (const YAML::Node Children = Node["actions"]) Try([&] { LoadActions(Children, Id, A.Children); });
+      throw Skip{};
+    }
     if (!A.Type->Class->Create) Fail(TypeNode, "action \"" + TypeName + "\" cannot be created");
     A.Action.reset(A.Type->Class->Create());
     A.Action->SetTitle(A.Type->DisplayName);
@@ -127,27 +212,43 @@ class Loader {
     frame::TStrings ReadOnly;
     A.Action->GetReadOnlyProperties(ReadOnly);
     for (const auto& Entry : Node) {
-      std::string Key = Entry.first.Scalar();
-      const YAML::Node& Value = Entry.second;
-      if (Key == "action") continue;
-      if (Key == "title") A.Action->SetTitle(Scalar(Value, "title"));
-      else if (Key == "enabled") A.Enabled = Boolean(Value, "enabled");
-      else if (Key == "ignoreFailure") A.IgnoreFailure = Boolean(Value, "ignoreFailure");
-      else if (Key == "actions") LoadActions(Value, Id, A.Children);
-      else if (Key == "scripts") LoadScripts(Value, A);
-      else ApplyProperty(A, Props, ReadOnly, Entry.first, Value);
+      Try([&] {
+        std::string Key = Entry.first.Scalar();
+        const YAML::Node& Value = Entry.second;
+        if (Key == "action") return;
+        if (Key == "title")
+          A.Action->SetTitle(Scalar(Value, "title"));
+        else if (Key == "enabled")
+          A.Enabled = Boolean(Value, "enabled");
+        else if (Key == "ignoreFailure")
+          A.IgnoreFailure = Boolean(Value, "ignoreFailure");
+        else if (Key == "actions")
+          LoadChildren(A, Entry.first, Value);
+        else if (Key == "scripts")
+          LoadScripts(Value, A);
+        else
+          ApplyProperty(A, Props, ReadOnly, Entry.first, Value);
+      });
     }
     return A;
   }
 
-  void LoadScripts(const YAML::Node& Node, ActionNode& A) const {
-    if (Node.IsNull()) return;
-    if (!Node.IsMap()) Fail(Node, "scripts must be a mapping of script name to source");
-    for (const auto& S : Node) A.Scripts.emplace_back(S.first.Scalar(), Scalar(S.second, "script"));
+  void LoadChildren(ActionNode& A, const YAML::Node& KeyNode, const YAML::Node& Value) {
+    if (Value.IsSequence() && Value.size() > 0 && !TakesChildren(A))
+      Report(KeyNode,
+             A.Type->DisplayName + " takes no child actions (only loops and flow-control actions do)");
+    LoadActions(Value, A.Id, A.Children);
   }
 
-  void ApplyProperty(ActionNode& A, const std::vector<frame::TZTPropInfo>& Props, const frame::TStrings& ReadOnly,
-                     const YAML::Node& KeyNode, const YAML::Node& Value) const {
+  void LoadScripts(const YAML::Node& Node, ActionNode& A) {
+    if (Node.IsNull()) return;
+    if (!Node.IsMap()) Fail(Node, "scripts must be a mapping of script name to source");
+    for (const auto& S : Node)
+      Try([&] { A.Scripts.emplace_back(S.first.Scalar(), Scalar(S.second, "script")); });
+  }
+
+  void ApplyProperty(ActionNode& A, const std::vector<frame::TZTPropInfo>& Props,
+                     const frame::TStrings& ReadOnly, const YAML::Node& KeyNode, const YAML::Node& Value) {
     std::string Key = KeyNode.Scalar();
     const std::string& Type = A.Type->DisplayName;
     auto It = std::find_if(Props.begin(), Props.end(), [&](const auto& P) { return P.Name == Key; });
@@ -156,7 +257,8 @@ class Loader {
       for (const auto& P : Props) Names.push_back(P.Name);
       Fail(KeyNode, Type + ": unknown property \"" + Key + "\"" + DidYouMean(Key, Names));
     }
-    if (It->ReadOnly() || ReadOnly.IndexOf(Key) >= 0) Fail(KeyNode, Type + ": property \"" + Key + "\" is read-only");
+    if (It->ReadOnly() || ReadOnly.IndexOf(Key) >= 0)
+      Fail(KeyNode, Type + ": property \"" + Key + "\" is read-only");
     try {
       It->Set(*A.Action, PropertyValueFromYaml(*It, Value));
     } catch (const BadPropertyValue& E) {
@@ -168,33 +270,69 @@ class Loader {
 
   std::string FileName_;
   const ActionRegistry& Registry_;
+  std::vector<LoadError> Errors_;
 };
+
+int ErrorLine(const YAML::Exception& E) { return E.mark.is_null() ? 0 : E.mark.line + 1; }
+
+void CollectUnavailable(const std::vector<ActionNode>& Nodes, std::vector<LoadError>& Out) {
+  for (const auto& N : Nodes) {
+    if (!N.Enabled) continue;
+    if (!N.Type->Class->IsAvailable()) Out.push_back({N.Line, N.Type->DisplayName + " is not available yet"});
+    CollectUnavailable(N.Children, Out);
+  }
+}
 
 }  // namespace
 
-Project LoadProjectText(const std::string& Text, const std::string& FileName, const ActionRegistry& Registry) {
+ProjectError::ProjectError(const std::string& File, std::vector<LoadError> Errors)
+    : std::runtime_error(JoinedLines(File, Errors)), File_(File), Errors_(std::move(Errors)) {}
+
+std::vector<std::string> ProjectError::Lines() const {
+  std::vector<std::string> R;
+  for (const auto& E : Errors_) R.push_back(JoinedLines(File_, {E}));
+  return R;
+}
+
+Project LoadProjectText(const std::string& Text, const std::string& FileName,
+                        const ActionRegistry& Registry) {
   YAML::Node Root;
   try {
     Root = YAML::Load(Text);
+  } catch (const YAML::DeepRecursion& E) {
+    throw ProjectError(FileName, {{ErrorLine(E), "the project is nested more than " +
+                                                     std::to_string(kMaxYamlDepth) + " levels deep"}});
   } catch (const YAML::Exception& E) {
-    throw ProjectError(FileName + ":" + std::to_string(E.mark.is_null() ? 0 : E.mark.line + 1) + ": " + E.msg);
+    throw ProjectError(FileName, {{ErrorLine(E), E.msg}});
   }
   try {
-    return Loader(FileName, Registry).Load(Root);
+    Project P = Loader(FileName, Registry).Load(Root);
+    P.FileName = FileName;
+    return P;
   } catch (const YAML::Exception& E) {
-    throw ProjectError(FileName + ":" + std::to_string(E.mark.is_null() ? 0 : E.mark.line + 1) + ": " + E.msg);
+    throw ProjectError(FileName, {{ErrorLine(E), E.msg}});
   }
 }
 
 Project LoadProject(const std::string& Path, const ActionRegistry& Registry) {
+  std::error_code Ec;
+  if (std::filesystem::is_directory(Path, Ec))
+    throw ProjectError(Path, {{0, "is a folder, not a project file"}});
   std::ifstream In(Path, std::ios::binary);
-  if (!In) throw ProjectError(Path + ": cannot open the project file");
+  if (!In)
+    throw ProjectError(Path, {{0, std::string("cannot open the project file: ") + std::strerror(errno)}});
   std::ostringstream Text;
   Text << In.rdbuf();
+  if (In.bad()) throw ProjectError(Path, {{0, "cannot read the project file"}});
   Project P = LoadProjectText(Text.str(), Path, Registry);
-  std::error_code Ec;
   P.File = std::filesystem::absolute(Path, Ec).lexically_normal().string();
   return P;
+}
+
+std::vector<LoadError> UnavailableActions(const Project& P) {
+  std::vector<LoadError> R;
+  CollectUnavailable(P.Actions, R);
+  return R;
 }
 
 }  // namespace zt::host

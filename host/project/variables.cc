@@ -1,10 +1,12 @@
 #include "host/project/variables.h"
 
+#include <strings.h>
+
+#include <algorithm>
 #include <cctype>
+#include <charconv>
 #include <cstdlib>
 #include <filesystem>
-
-#include <strings.h>
 
 #include "host/version.h"
 
@@ -31,8 +33,10 @@ Variables::Variables(const std::string& ProjectFile) {
 
 void Variables::Set(const std::string& Name, const TZTVariant& Value) {
   auto [It, Added] = Index_.emplace(LowerCase(Name), Project_.size());
-  if (Added) Project_.emplace_back(Name, Value);
-  else Project_[It->second].second = Value;
+  if (Added)
+    Project_.emplace_back(Name, Value);
+  else
+    Project_[It->second].second = Value;
 }
 
 const TZTVariant* Variables::FindProject(const std::string& Name) const {
@@ -53,11 +57,19 @@ bool Variables::IsDefined(const std::string& Name) const { return Lookup(Name).h
 TZTVariant TypedValueOf(const std::string& Text) {
   if (strcasecmp(Text.c_str(), "true") == 0) return true;
   if (strcasecmp(Text.c_str(), "false") == 0) return false;
-  std::size_t I = (!Text.empty() && (Text[0] == '-' || Text[0] == '+')) ? 1 : 0;
-  bool Digits = I < Text.size() && Text.size() - I <= 18;
-  for (std::size_t J = I; Digits && J < Text.size(); ++J) Digits = std::isdigit(static_cast<unsigned char>(Text[J]));
-  if (Digits) return static_cast<std::int64_t>(std::strtoll(Text.c_str(), nullptr, 10));
+  // An integer only when it prints back as the same text: "0456", "+5", "-0" and "1e3" stay texts.
+  std::int64_t N;
+  auto [End, Ec] = std::from_chars(Text.data(), Text.data() + Text.size(), N);
+  if (Ec == std::errc() && End == Text.data() + Text.size() && std::to_string(N) == Text) return N;
   return Text;
+}
+
+bool IsVariableNameChar(char C) {
+  return std::isalnum(static_cast<unsigned char>(C)) || C == '_' || C == '.' || C == '-';
+}
+
+bool IsVariableName(const std::string& Name) {
+  return !Name.empty() && std::all_of(Name.begin(), Name.end(), IsVariableNameChar);
 }
 
 }  // namespace zt::host

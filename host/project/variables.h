@@ -41,8 +41,14 @@ class Variables {
 };
 
 // A value as the project file or --var writes it: plain true/false (any
-// case) is a Boolean, a decimal integer is an integer, anything else text.
+// case) is a Boolean, a decimal integer is an
+// integer (as it prints: no leading zero, no '+'), anything else (0456, 1.0,
+// 1e3) text.
 TZTVariant TypedValueOf(const std::string& Text);
+
+// Variable names: letters, digits, '_', '.' and '-'; at least one.
+bool IsVariableNameChar(char C);
+bool IsVariableName(const std::string& Name);
 
 std::string LowerCase(std::string S);
 

@@ -1,5 +1,6 @@
 #include "host/run/runner.h"
 
+#include <cctype>
 #include <chrono>
 #include <filesystem>
 
@@ -105,7 +106,7 @@ void Runner::HostMessage(const frame::TZTAction& Action, const std::string& Text
 std::string Runner::ExpandExpression(frame::TZTAction&, const std::string& Text, bool) {
   try {
     return Expander_.Expand(Text, Vars_);
-  } catch (const UndefinedVariable& E) {
+  } catch (const ExpansionError& E) {
     throw frame::EZTExpandError(E.what());
   }
 }
@@ -115,8 +116,10 @@ bool Runner::TryExpandExpression(frame::TZTAction& Action, const std::string& Pr
   try {
     Result = Expander_.Expand(Text, Vars_);
     return true;
-  } catch (const UndefinedVariable& E) {
-    HostMessage(Action, "Cannot expand " + PropertyTitle + ": variable \"" + E.Name() + "\" is not defined");
+  } catch (const ExpansionError& E) {
+    std::string Why = E.what();
+    Why[0] = static_cast<char>(std::tolower(static_cast<unsigned char>(Why[0])));
+    HostMessage(Action, "Cannot expand " + PropertyTitle + ": " + Why);
     return false;
   }
 }

@@ -119,37 +119,6 @@ TEST(HostRunTest, ActionNotAvailableYetFailsWithOneLine) {
   EXPECT_EQ(ActionResult(R, "1"), "failure");
 }
 
-TEST(HostRunTest, LoadErrorsExitTwoWithOneLineNamingFileAndLine) {
-  TempDir D;
-  ZtResult R = RunZt(D.Path(), "actions:\n  - action: Delete File(s)\n    FileSepc: a.txt\n");
-  EXPECT_EQ(R.ExitCode, 2);
-  EXPECT_EQ(R.Stderr, "project.yml:3: Delete File(s): unknown property \"FileSepc\"; did you mean \"FileSpec\"?\n");
-  EXPECT_EQ(R.Stdout, "");
-  EXPECT_TRUE(R.Events.empty());
-
-  R = RunZt(D.Path(), "actions:\n  - action: Delete Files\n");
-  EXPECT_EQ(R.ExitCode, 2);
-  EXPECT_EQ(R.Stderr, "project.yml:2: unknown action \"Delete Files\"; did you mean \"Delete File(s)\"?\n");
-
-  R = RunZt(D.Path(), "actions:\n  - action: Delete File(s)\n    DeleteHidden: perhaps\n");
-  EXPECT_EQ(R.ExitCode, 2);
-  EXPECT_EQ(R.Stderr,
-            "project.yml:3: Delete File(s): property \"DeleteHidden\" expects a Boolean (true or false), got "
-            "\"perhaps\"\n");
-
-  R = RunZt(D.Path(), "actions: [\n");
-  EXPECT_EQ(R.ExitCode, 2);
-  EXPECT_EQ(R.Stderr, "project.yml:2: end of sequence flow not found\n");
-
-  R = RunZtArgs(D.Path(), {"run", "no-such-project.yml"});
-  EXPECT_EQ(R.ExitCode, 2);
-  EXPECT_EQ(R.Stderr, "no-such-project.yml: cannot open the project file\n");
-
-  R = RunZt(D.Path(), "actions: []\n", {"--var", "NOEQUALS"});
-  EXPECT_EQ(R.ExitCode, 2);
-  EXPECT_EQ(R.Stderr, "zt: --var expects NAME=VALUE, got \"NOEQUALS\"\n");
-}
-
 TEST(HostRunTest, MissingPackageExitsTwo) {
   TempDir D;
   ZtResult R = RunZt(D.Path(), "actions: []\n", {"--package", D / "none.so"});

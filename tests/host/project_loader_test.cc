@@ -42,7 +42,7 @@ filesets:
     exclude: "**/generated/**"
 actions:
   - action: TTestAction
-  - action: test action
+  - action: test group
     title: Second
     enabled: false
     ignoreFailure: true
@@ -124,7 +124,9 @@ TEST_F(ProjectLoaderTest, NamesAreCheckedWithDidYouMean) {
             "p.yml:3: Test Action: unknown property \"Cuont\"; did you mean \"Count\"?");
   EXPECT_EQ(ErrorOf("actions:\n  - action: Test Action\n    ignorefailure: true\n"),
             "p.yml:3: Test Action: unknown property \"ignorefailure\"; did you mean \"ignoreFailure\"?");
-  EXPECT_EQ(ErrorOf("acions: []\n"), "p.yml:1: unknown key \"acions\"; did you mean \"actions\"?");
+  EXPECT_EQ(ErrorOf("acions: []\n"),
+            "p.yml:1: unknown key \"acions\"; did you mean \"actions\"?\n"
+            "p.yml:1: the project has no \"actions\" list (an empty project is \"actions: []\")");
   EXPECT_EQ(ErrorOf("actions:\n  - title: x\n"), "p.yml:2: action without the key \"action\"");
 }
 
@@ -165,11 +167,11 @@ TEST_F(ProjectLoaderTest, MalformedFilesGiveOneLineAndNeverCrash) {
   EXPECT_EQ(ErrorOf("- just\n- a list\n"), "p.yml:1: a project is a mapping with name, variables, filesets and actions");
   EXPECT_EQ(ErrorOf("actions: 3\n"), "p.yml:1: actions must be a list");
   EXPECT_EQ(ErrorOf("actions:\n  - 3\n"), "p.yml:2: an action must be a mapping with the key \"action\"");
-  EXPECT_EQ(ErrorOf("name: {a: 1}\n"), "p.yml:1: name must be a text");
+  EXPECT_EQ(ErrorOf("name: {a: 1}\nactions: []\n"), "p.yml:1: name must be a text");
   EXPECT_EQ(ErrorOf("a: b: c\n"), "p.yml:1: illegal map value");
-  EXPECT_EQ(ErrorOf("variables:\n  X: [1]\n"), "p.yml:2: variable \"X\" must be a text, Boolean or integer");
+  EXPECT_EQ(ErrorOf("variables:\n  X: [1]\nactions: []\n"), "p.yml:2: variable \"X\" must be a text, Boolean or integer");
   EXPECT_EQ(ErrorOf("\t- tab\n"), "p.yml:1: illegal block entry");
-  EXPECT_EQ(ErrorOf(""), "");
+  EXPECT_EQ(ErrorOf("actions: []\n"), "");
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 namespace zt::testing {
 
 ZT_IMPLEMENT_CLASS(TTestAction, &TTestAction::Publish)
+ZT_IMPLEMENT_CLASS(TTestGroup, nullptr)
 
 void TTestAction::Publish(frame::TZTPublisher<TTestAction>& P) {
   P.String("Text", &TTestAction::GetText, &TTestAction::SetText);
@@ -64,6 +65,7 @@ void TTestAction::GetPropertyHelp(frame::TStrings& L) { L.Add("Text=The text to 
 
 void RegisterTestAction(host::ActionRegistry& Registry) {
   Registry.RegisterAction("Test Action", "Misc", TTestAction::ClassType(), "TESTICON");
+  Registry.RegisterAction("Test Group", "Misc", TTestGroup::ClassType(), "TESTICON");
 }
 
 }  // namespace zt::testing

@@ -70,7 +70,16 @@ class TTestAction : public frame::TCustomZTAction {
   double When_ = 0;
 };
 
-// Registers TTestAction as "Test Action" in Registry.
+// A test action that may hold child actions, as loops do.
+class TTestGroup : public TTestAction {
+  ZT_DECLARE_CLASS(TTestGroup, TTestAction)
+
+ public:
+  static std::string GetActionName() { return "Test Group"; }
+  bool GetIsFlowControlAction() override { return true; }
+};
+
+// Registers TTestAction as "Test Action" and TTestGroup as "Test Group" in Registry.
 void RegisterTestAction(host::ActionRegistry& Registry);
 
 }  // namespace zt::testing

@@ -47,15 +47,5 @@ TEST(VariablesTest, CaseInsensitiveNamesKeepTheirFirstSpellingAndOrder) {
   EXPECT_EQ(V.Project()[1].first, "Count");
 }
 
-TEST(VariablesTest, TypedValuesFromText) {
-  EXPECT_EQ(TypedValueOf("true"), frame::TZTVariant(true));
-  EXPECT_EQ(TypedValueOf("FALSE"), frame::TZTVariant(false));
-  EXPECT_EQ(TypedValueOf("-42"), frame::TZTVariant(std::int64_t{-42}));
-  EXPECT_EQ(TypedValueOf("1.4.2"), frame::TZTVariant("1.4.2"));
-  EXPECT_EQ(TypedValueOf("12abc"), frame::TZTVariant("12abc"));
-  EXPECT_EQ(TypedValueOf(""), frame::TZTVariant(""));
-  EXPECT_EQ(TypedValueOf("True").AsString(), "True");
-}
-
 }  // namespace
 }  // namespace zt::host

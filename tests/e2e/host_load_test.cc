@@ -1,0 +1,127 @@
+// Projects that zt refuses before any action runs: exit code 2 (1 for a log
+// it cannot write) and one line per error naming the file and line.
+#include <gtest/gtest.h>
+
+#include <fstream>
+
+#include "ZtRunner.h"
+#include "support/TempDir.h"
+
+namespace zt::testing {
+namespace {
+
+std::string FirstLine(const std::string& Text) { return Text.substr(0, Text.find('\n')); }
+
+TEST(HostLoadTest, ProjectsThatCannotRunExitTwoNamingFileAndLine) {
+  struct Row {
+    std::string Yaml;  // written to project.yml; "" runs Args alone
+    std::vector<std::string> Args;
+    std::string Error;  // the first line on standard error
+  } Rows[] = {
+      {"actions:\n  - action: Delete File(s)\n    FileSepc: a.txt\n",
+       {},
+       "project.yml:3: Delete File(s): unknown property \"FileSepc\"; did you mean \"FileSpec\"?"},
+      {"actions:\n  - action: Delete Files\n",
+       {},
+       "project.yml:2: unknown action \"Delete Files\"; did you mean \"Delete File(s)\"?"},
+      {"actions:\n  - action: Delete File(s)\n    DeleteHidden: perhaps\n",
+       {},
+       "project.yml:3: Delete File(s): property \"DeleteHidden\" expects a Boolean (true or false), got "
+       "\"perhaps\""},
+      {"actions: [\n", {}, "project.yml:2: end of sequence flow not found"},
+      {"", {"run", "no-such.yml"}, "no-such.yml: cannot open the project file: No such file or directory"},
+      {"", {"run", "."}, ".: is a folder, not a project file"},
+      {"",
+       {"run", "empty.yml"},
+       "empty.yml:1: the project has no \"actions\" list (an empty project is \"actions: []\")"},
+      {"name: x\nactions:\n",
+       {},
+       "project.yml:2: the project has no \"actions\" list (an empty project is \"actions: []\")"},
+      {"actions:\n  - action: Delete File(s)\n    FileSpec: a\n    FileSpec: b\n",
+       {},
+       "project.yml:4: duplicate key \"FileSpec\" (first on line 3)"},
+      {"variables:\n  Out: a\n  OUT: b\nactions: []\n",
+       {},
+       "project.yml:3: variable \"OUT\" is defined on line 2 already (names ignore letter case)"},
+      {"variables:\n  a%b: 1\nactions: []\n",
+       {},
+       "project.yml:2: variable name \"a%b\" is not valid (letters, digits, _, . and -)"},
+      {"actions: []\n", {"--var", "NOEQUALS"}, "zt: --var expects NAME=VALUE, got \"NOEQUALS\""},
+  };
+  TempDir D;
+  std::ofstream(D / "empty.yml").close();
+  for (const Row& R : Rows) {
+    ZtResult Z = R.Yaml.empty() ? RunZtArgs(D.Path(), R.Args) : RunZt(D.Path(), R.Yaml, R.Args);
+    EXPECT_EQ(Z.ExitCode, 2) << R.Error;
+    EXPECT_EQ(FirstLine(Z.Stderr), R.Error);
+    EXPECT_EQ(Z.Stdout, "") << R.Error;
+    EXPECT_TRUE(Z.Events.empty()) << R.Error;
+  }
+}
+
+TEST(HostLoadTest, EveryLoadErrorIsReportedOnItsOwnLine) {
+  TempDir D;
+  ZtResult R = RunZt(D.Path(), R"(actions:
+  - action: Delete Files
+  - action: Delete File(s)
+    FileSepc: a
+    DeleteHidden: perhaps
+    title: one
+    title: two
+)",
+                     {}, "validate");
+  EXPECT_EQ(R.ExitCode, 2);
+  EXPECT_EQ(R.Stderr,
+            "project.yml:2: unknown action \"Delete Files\"; did you mean \"Delete File(s)\"?\n"
+            "project.yml:4: Delete File(s): unknown property \"FileSepc\"; did you mean \"FileSpec\"?\n"
+            "project.yml:5: Delete File(s): property \"DeleteHidden\" expects a Boolean (true or false), got "
+            "\"perhaps\"\n"
+            "project.yml:7: duplicate key \"title\" (first on line 6)\n");
+}
+
+// A self-containing alias used to crash every command; deep nesting said "bad file".
+TEST(HostLoadTest, RecursiveAliasesAndDeepNestingAreLoadErrors) {
+  TempDir D;
+  for (const char* Command : {"run", "validate", "describe"}) {
+    ZtResult R =
+        RunZt(D.Path(), "actions: &a [{action: Touch File(s), FileSpec: x, actions: *a}]\n", {}, Command);
+    EXPECT_EQ(R.ExitCode, 2) << Command;
+    EXPECT_EQ(R.Stderr, "project.yml:1: an alias refers to a node that contains it (anchor on line 1)\n")
+        << Command;
+  }
+  for (int Depth : {250, 600}) {
+    ZtResult R =
+        RunZt(D.Path(), "actions: []\nname: " + std::string(Depth, '[') + std::string(Depth, ']') + "\n");
+    EXPECT_EQ(R.ExitCode, 2) << Depth;
+    EXPECT_EQ(R.Stderr, "project.yml:2: the project is nested more than 200 levels deep\n") << Depth;
+  }
+}
+
+TEST(HostLoadTest, ChildrenUnderAnActionThatTakesNoneAreALoadError) {
+  TempDir D;
+  ZtResult R = RunZt(D.Path(), R"(actions:
+  - action: Touch File(s)
+    FileSpec: x
+    actions:
+      - action: Delete File(s)
+        FileSpec: y
+)",
+                     {}, "describe");
+  EXPECT_EQ(R.ExitCode, 2);
+  EXPECT_EQ(R.Stderr,
+            "project.yml:4: Touch File(s) takes no child actions (only loops and flow-control actions do)\n");
+}
+
+TEST(HostLoadTest, VarNamesMustBeVariableNames) {
+  TempDir D;
+  for (const char* Var : {"A B=1", "a%b=1"}) {
+    ZtResult R = RunZt(D.Path(), "actions: []\n", {"--var", Var});
+    EXPECT_EQ(R.ExitCode, 2) << Var;
+    std::string Name = std::string(Var).substr(0, 3);
+    EXPECT_EQ(R.Stderr, "zt: --var \"" + std::string(Var) + "\": \"" + Name +
+                            "\" is not a valid variable name (letters, digits, _, . and -)\n");
+  }
+}
+
+}  // namespace
+}  // namespace zt::testing
