@@ -19,6 +19,8 @@ std::string Joined(const std::vector<std::string>& Names) {
 
 // Deeper than any real project; keeps a long chain of values from exhausting the stack.
 constexpr std::size_t kMaxNesting = 100;
+// Values that repeat each other double at every level; stop before memory runs out.
+constexpr std::size_t kMaxExpandedSize = std::size_t{256} << 20;
 
 bool NeedsExpansion(const std::string& Text) {
   return std::memchr(Text.data(), '%', Text.size()) || Text.find("$$(") != std::string::npos;
@@ -114,6 +116,8 @@ void Expander::Append(const std::string& Text, const Variables& Vars, std::vecto
     Chain.push_back(Item.Text);
     Append(Own->AsString(), Vars, Chain, Out);
     Chain.pop_back();
+    if (Out.size() > kMaxExpandedSize)
+      throw ExpansionError("Variable \"" + Item.Text + "\" expands to more than 256 MiB");
   }
 }
 

@@ -17,8 +17,8 @@ class Walk {
   void Visit(const YAML::Node& Node, int At) {
     if (Fatal) return;
     if (++Nodes_ > kMaxYamlNodes)
-      return Stop(
-          At, "the project's aliases expand to more than " + std::to_string(kMaxYamlNodes) + " YAML nodes");
+      return Stop(At, "the project has more than " + std::to_string(kMaxYamlNodes) +
+                          " YAML nodes (counting every use of an alias)");
     if (!Node.IsMap() && !Node.IsSequence()) return;
     for (const YAML::Node& Open : Path_)
       if (Open.is(Node))
