@@ -49,6 +49,7 @@ constexpr Message Messages[] = {
     {ERROR_NEGATIVE_SEEK, "An attempt was made to move the file pointer before the beginning of the file"},
     {ERROR_DIR_NOT_EMPTY, "The directory is not empty"},
     {ERROR_BUSY, "The requested resource is in use"},
+    {ERROR_BAD_EXE_FORMAT, "%1 is not a valid Win32 application"},
     {ERROR_ALREADY_EXISTS, "Cannot create a file when that file already exists"},
     {ERROR_FILENAME_EXCED_RANGE, "The filename or extension is too long"},
     {ERROR_DIRECTORY, "The directory name is invalid"},
@@ -56,6 +57,7 @@ constexpr Message Messages[] = {
     {ERROR_NO_ASSOCIATION, "No application is associated with the specified file for this operation"},
     {ERROR_CANCELLED, "The operation was canceled by the user"},
     {ERROR_REQUEST_ABORTED, "The request was aborted"},
+    {ERROR_INVALID_WINDOW_HANDLE, "Invalid window handle"},
     {ERROR_PRIVILEGE_NOT_HELD, "A required privilege is not held by the client"},
     {ERROR_CANT_RESOLVE_FILENAME, "The name of the file cannot be resolved by the system"},
 };

@@ -1,0 +1,18 @@
+// Where the system keeps its programs, and new temporary files.
+#pragma once
+
+#include <string>
+
+namespace zt::platform {
+
+// The system directory, without a trailing delimiter: Windows' System32
+// folder; "/usr/bin" on POSIX.
+std::string GetSysDirectory();
+
+// Creates a new, empty file with a unique name in the temporary directory
+// (TMPDIR on POSIX, else /tmp) and returns its full name; Extension ("xcp"
+// or ".xcp") ends the name. Empty, with the last error set, on failure.
+// The caller deletes the file.
+std::string GetTemporaryFileName(const std::string& Extension);
+
+}  // namespace zt::platform
