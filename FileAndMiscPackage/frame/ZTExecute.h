@@ -7,12 +7,15 @@
 //   BeforeGetCommandLine(); ok = GetCommandLine(Builder); AfterGetCommandLine();
 //   if (!ok) the action fails;
 //   BeforeExecute(Builder);
-//   start GetExecutable() in GetStartingDir(...) with the builder's text
-//     (missing executable: OnExeNotFound, failure);
-//   output: OnStdOutData / OnStdErrData while it runs (live capture),
-//           OnProcessOutput with the captured lines at the end;
+//   start GetExecutable() in GetStartingDir(...) with the builder's arguments
+//     (missing executable: OnExeNotFound, failure; any other start failure:
+//     one host line, failure);
+//   without WaitForCompletion: exit code 259 ("still running") at once;
+//   otherwise, while it runs: OnStdOutData / OnStdErrData per complete line
+//     (live capture), OnProcessOutput with the captured lines at the end
+//     (without live capture);
+//   a run the host stopped (time-out, TerminateAction) reports exit code 999;
 //   InterpretResult(exit code) ? OnSuccess() : OnFailure(exit code).
-// Exit code 259 means "still running" when the action does not wait.
 #pragma once
 
 #include <string>
@@ -23,6 +26,10 @@
 namespace zt::frame {
 
 class TZTExecuteAbstractAction;
+
+// Exit codes with a meaning of their own.
+constexpr int kExitStillActive = 259;  // the program runs on (not waited for)
+constexpr int kExitTerminated = 999;   // the host stopped the program
 
 // A running or finished process, as the output callbacks see it.
 class IZTProcess {
@@ -47,9 +54,12 @@ class IZTProcessRunner {
  public:
   virtual ~IZTProcessRunner() = default;
   virtual bool ExecuteProcess(TZTExecuteAbstractAction& Action) = 0;
+  // The host's judgement of an exit code.
+  virtual bool InterpretResult(TZTExecuteAbstractAction& Action, int ExitCode) = 0;
   virtual void OnSuccess(TZTExecuteAbstractAction& Action) = 0;
   virtual void OnFailure(TZTExecuteAbstractAction& Action, int ExitCode) = 0;
   virtual void OnExeNotFound(TZTExecuteAbstractAction& Action, const std::string& FileName) = 0;
+  // Text is one line of output, without its line end.
   virtual void OnStdOutData(TZTExecuteAbstractAction& Action, IZTProcess& Process, const std::string& Text) = 0;
   virtual void OnStdErrData(TZTExecuteAbstractAction& Action, IZTProcess& Process, const std::string& Text) = 0;
   virtual void OnProcessOutput(TZTExecuteAbstractAction& Action, const TStrings& Lines) = 0;
@@ -72,8 +82,8 @@ class TZTExecuteAbstractAction : public TCustomZTAction {
   virtual std::string GetCommandLineParams() { return {}; }
   // Whether BeforeExecute logs the program and its command line.
   virtual bool GetShowCommandLine() { return false; }
-  // True = success.
-  virtual bool InterpretResult(int ExitCode) = 0;
+  // True = success. The base's is the host's judgement.
+  virtual bool InterpretResult(int ExitCode) { return Runner().InterpretResult(*this, ExitCode); }
 
   // --- the base's reactions (the host's unless overridden) ---
   virtual void BeforeGetCommandLine() {}
@@ -95,7 +105,27 @@ class TZTExecuteAbstractAction : public TCustomZTAction {
     if (GetHost() && GetHost()->GetProcessRunner()) GetHost()->GetProcessRunner()->TerminateProcess(*this);
   }
 
+  void GetPropertyAlias(TStrings& List) override {
+    inherited::GetPropertyAlias(List);
+    List.Add("[Time-out]");
+    List.Add("EnableTimeout=Enable Time-out");
+    List.Add("TimeoutLength=Time-out (seconds)");
+  }
+  void GetPropertyHelp(TStrings& List) override {
+    inherited::GetPropertyHelp(List);
+    List.Add("EnableTimeout=Stop the program, and everything it started, when it runs longer than the time-out");
+    List.Add("TimeoutLength=Seconds the program may run (Wait For Completion must be enabled)");
+  }
+
+  // Published by the base: the time-out.
+  static void Publish(TZTPublisher<TZTExecuteAbstractAction>& P) {
+    using A = TZTExecuteAbstractAction;
+    P.Boolean("EnableTimeout", &A::GetEnableTimeout, &A::SetEnableTimeout);
+    P.Integer("TimeoutLength", &A::GetTimeoutLength, &A::SetTimeoutLength);
+  }
+
   // --- the base's settings and run state ---
+  // Seconds; the time-out applies when enabled and longer than 0.
   void SetTimeoutLength(unsigned Seconds) { TimeoutLength_ = Seconds; }
   unsigned GetTimeoutLength() const { return TimeoutLength_; }
   void SetEnableTimeout(bool Enable) { EnableTimeout_ = Enable; }
@@ -103,6 +133,19 @@ class TZTExecuteAbstractAction : public TCustomZTAction {
   // Pass output to the log while the process runs.
   void SetLiveCapture(bool Enable) { LiveCapture_ = Enable; }
   bool GetLiveCapture() const { return LiveCapture_; }
+  // Wait for the program to end (otherwise it runs on by itself).
+  void SetWaitForCompletion(bool Wait) { WaitForCompletion_ = Wait; }
+  bool GetWaitForCompletion() const { return WaitForCompletion_; }
+  // Capture the output stream into the action's log (only when waiting).
+  void SetCaptureOutput(bool Capture) { CaptureOutput_ = Capture; }
+  bool GetCaptureOutput() const { return CaptureOutput_; }
+  // Capture the error stream together with the output stream, in the order
+  // written; otherwise it is captured on its own.
+  void SetRedirectStdErr(bool Redirect) { RedirectStdErr_ = Redirect; }
+  bool GetRedirectStdErr() const { return RedirectStdErr_; }
+  // Start the program's window hidden (no meaning where programs have none).
+  void SetHideWindow(bool Hide) { HideWindow_ = Hide; }
+  bool GetHideWindow() const { return HideWindow_; }
   bool GetTimedOut() const { return TimedOut_; }
   // The current run's context; null outside a run.
   IZTExecuteContext* GetContext() const { return Context_; }
@@ -120,11 +163,15 @@ class TZTExecuteAbstractAction : public TCustomZTAction {
 
   unsigned TimeoutLength_ = 0;
   bool EnableTimeout_ = false;
-  bool LiveCapture_ = false;
+  bool LiveCapture_ = true;
+  bool WaitForCompletion_ = true;
+  bool CaptureOutput_ = true;
+  bool RedirectStdErr_ = true;
+  bool HideWindow_ = false;
   bool TimedOut_ = false;
   IZTExecuteContext* Context_ = nullptr;
 };
 
-inline ZT_IMPLEMENT_CLASS(TZTExecuteAbstractAction, nullptr)
+inline ZT_IMPLEMENT_CLASS(TZTExecuteAbstractAction, &TZTExecuteAbstractAction::Publish)
 
 }  // namespace zt::frame

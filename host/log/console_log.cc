@@ -14,12 +14,12 @@ std::string Indent(const std::string& Id, int Extra) {
 }  // namespace
 
 void ConsoleLog::Line(const std::string& Id, int Extra, const std::string& Text) {
-  std::string L = Indent(Id, Extra) + Text + "\n";
-  if (Quiet_) {
-    Pending_.push_back(L);
+  if (Quiet_) {  // appended in place: a program's output can be millions of lines
+    Pending_.append(Indent(Id, Extra)).append(Text) += '\n';
     return;
   }
   ClearProgress();
+  std::string L = Indent(Id, Extra) + Text + "\n";
   std::fputs(L.c_str(), Out_);
 }
 
@@ -30,7 +30,7 @@ void ConsoleLog::ClearProgress() {
 }
 
 void ConsoleLog::Flush() {
-  for (const auto& L : Pending_) std::fputs(L.c_str(), Out_);
+  std::fwrite(Pending_.data(), 1, Pending_.size(), Out_);
   Pending_.clear();
 }
 
@@ -51,7 +51,12 @@ void ConsoleLog::Message(const std::string& Id, const std::string& Text, bool Fr
 
 void ConsoleLog::Status(const std::string& Id, const std::string& Text, const std::vector<std::string>& Details) {
   if (!Text.empty()) Line(Id, 4, Text);
-  for (const auto& D : Details) Line(Id, Text.empty() ? 4 : 6, D);
+  if (!Quiet_) {
+    for (const auto& D : Details) Line(Id, Text.empty() ? 4 : 6, D);
+    return;
+  }
+  const std::string Prefix = Indent(Id, Text.empty() ? 4 : 6);  // once: captured output can be millions of lines
+  for (const auto& D : Details) Pending_.append(Prefix).append(D) += '\n';
 }
 
 void ConsoleLog::Progress(const std::string& Id, const std::string& Text, int Percent) {
@@ -88,6 +93,7 @@ void ConsoleLog::ActionEnd(const std::string& Id, ActionResult Result) {
   }
   if (Quiet_ && (Result == ActionResult::Failure || Result == ActionResult::Ignored)) Flush();
   Pending_.clear();
+  Pending_.shrink_to_fit();
   std::fflush(Out_);
 }
 

@@ -37,7 +37,7 @@ class ConsoleLog : public LogSink {
   bool IsTerminal_;
   bool Quiet_;
   bool ProgressShown_ = false;
-  std::vector<std::string> Pending_;  // quiet mode: the running action's lines
+  std::string Pending_;  // quiet mode: the running action's lines
   int Actions_ = 0, Failed_ = 0, Ignored_ = 0, Skipped_ = 0;
   std::string FailedTitle_, CurrentTitle_;
 };

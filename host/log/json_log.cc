@@ -32,6 +32,21 @@ ordered_json ActionEvent(const char* Name, const std::string& Id) {
   return E;
 }
 
+// Appends Text as a JSON string. Printable ASCII is copied as it is; other
+// texts go through the JSON library, so escapes and the replacement of bytes
+// that are not UTF-8 are those of every other event.
+void AppendJsonString(std::string& Out, const std::string& Text) {
+  for (unsigned char C : Text) {
+    if (C < 0x20 || C >= 0x80 || C == '"' || C == '\\') {
+      Out += nlohmann::json(Text).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
+      return;
+    }
+  }
+  Out += '"';
+  Out += Text;
+  Out += '"';
+}
+
 }  // namespace
 
 ordered_json JsonValue(const frame::TZTVariant& V) {
@@ -60,6 +75,10 @@ void JsonLog::Write(const ordered_json& E) {
   // Texts from the file system need not be UTF-8: replace bad bytes rather than lose the event.
   std::string Line = E.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
   Line += '\n';
+  WriteLine(Line);
+}
+
+void JsonLog::WriteLine(const std::string& Line) {
   std::fwrite(Line.data(), 1, Line.size(), Out_);
   std::fflush(Out_);
 }
@@ -90,8 +109,19 @@ void JsonLog::Message(const std::string& Id, const std::string& Text, bool FromH
 void JsonLog::Status(const std::string& Id, const std::string& Text, const std::vector<std::string>& Details) {
   ordered_json E = ActionEvent("status", Id);
   E["text"] = Text;
-  E["details"] = Details;
-  Write(E);
+  // The details are written straight into the line: a program's output can be millions of lines.
+  std::string Line = E.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
+  Line.pop_back();  // the closing brace
+  std::size_t Size = Line.size() + 16;
+  for (const std::string& D : Details) Size += D.size() + 3;
+  Line.reserve(Size);
+  Line += ",\"details\":[";
+  for (std::size_t I = 0; I < Details.size(); ++I) {
+    if (I > 0) Line += ',';
+    AppendJsonString(Line, Details[I]);
+  }
+  Line += "]}\n";
+  WriteLine(Line);
 }
 
 void JsonLog::Progress(const std::string& Id, const std::string& Text, int Percent) {

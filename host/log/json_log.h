@@ -32,6 +32,7 @@ class JsonLog : public LogSink {
 
  private:
   void Write(const nlohmann::ordered_json& Event);
+  void WriteLine(const std::string& Line);  // one whole event, with its line end
   std::FILE* Out_;
 };
 

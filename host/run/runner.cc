@@ -26,7 +26,8 @@ Runner::Runner(Project& P, BuildLog& Log, const VariableList& Overrides)
       Log_(Log),
       Vars_(P.File),
       Objects_(P.FileSets, std::filesystem::path(P.File).parent_path().string(),
-               [this](frame::TZTAction& A, const std::string& Line) { HostMessage(A, Line); }) {
+               [this](frame::TZTAction& A, const std::string& Line) { HostMessage(A, Line); }),
+      Processes_([this](frame::TZTAction& A, const std::string& Line) { HostMessage(A, Line); }) {
   for (const auto& [Name, Value] : P.InitialVariables) Vars_.Set(Name, Value);
   for (const auto& [Name, Value] : Overrides) Vars_.Set(Name, Value);
   ForEachAction(P.Actions, [this](ActionNode& N, int) {

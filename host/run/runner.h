@@ -16,6 +16,7 @@
 #include "host/project/file_set.h"
 #include "host/project/project.h"
 #include "host/project/variables.h"
+#include "host/run/process_runner.h"
 
 namespace zt::host {
 
@@ -52,6 +53,7 @@ class Runner : public frame::IZTActionHost {
   bool ExecuteScript(frame::TZTAction& Action, const std::string& Name, frame::TZTScriptParams& Params) override;
   frame::IZTProjectObjectAPI* GetProjectObjectAPI() override { return &Objects_; }
   std::shared_ptr<frame::IZTStringBuilder> CreateStringBuilder() override { return nullptr; }
+  frame::IZTProcessRunner* GetProcessRunner() override { return &Processes_; }
 
  private:
   ActionResult RunAction(ActionNode& Node);
@@ -63,6 +65,7 @@ class Runner : public frame::IZTActionHost {
   Variables Vars_;
   Expander Expander_;
   ProjectObjects Objects_;  // the project's file sets; they log through the asking action
+  ProcessRunner Processes_;
   std::unordered_map<const frame::TZTAction*, ActionNode*> Nodes_;
   std::atomic<bool> Stop_{false};
   std::mutex RunningMutex_;  // guards Running_ against RequestStop from another thread

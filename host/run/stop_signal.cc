@@ -5,6 +5,8 @@
 
 #include <atomic>
 
+#include "platform/child_process.h"
+
 namespace zt::host {
 
 namespace {
@@ -14,7 +16,10 @@ std::atomic<int> SignalsSeen{0};
 struct sigaction OldInt, OldTerm;
 
 void OnSignal(int) {
-  if (SignalsSeen.fetch_add(1) > 0) _exit(130);  // the user insists
+  if (SignalsSeen.fetch_add(1) > 0) {  // the user insists
+    platform::KillChildProcessGroups();
+    _exit(130);
+  }
   char Byte = 's';
   [[maybe_unused]] ssize_t N = write(PipeFds[1], &Byte, 1);
 }
