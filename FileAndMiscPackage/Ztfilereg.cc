@@ -10,6 +10,10 @@
 #include "files/Ztdeletefilesaction.h"
 #include "files/Ztfileattrib.h"
 #include "files/Zttouchfile.h"
+#include "system/Frunprog.h"
+#include "system/Ztcloseprocessaction.h"
+#include "system/Ztshellexecute.h"
+#include "system/Ztxcopyaction.h"
 #include "text/Ztinifile.h"
 
 namespace zt::package {

@@ -1,0 +1,295 @@
+// "Execute Program" and "Run DOS Command" through zt: exit codes and their
+// lines, the output in the log, time-outs and Ctrl+C (nothing survives),
+// programs that cannot start, and the parameter text as arguments.
+#include <signal.h>
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <chrono>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "ZtRunner.h"
+#include "support/Processes.h"
+#include "support/TempDir.h"
+
+namespace zt::testing {
+namespace {
+
+using Lines = std::vector<std::string>;
+using Clock = std::chrono::steady_clock;
+
+void Write(const std::string& Path, const std::string& Text, bool Executable = false) {
+  std::ofstream(Path) << Text;
+  if (Executable) chmod(Path.c_str(), 0755);
+}
+
+// Texts of the host's own lines (host: true) for action Id.
+Lines HostLines(const ZtResult& R, const std::string& Id) {
+  Lines L;
+  for (const auto& E : R.Events)
+    if (E.value("event", "") == "message" && E.value("id", "") == Id && E.value("host", false))
+      L.push_back(E["text"]);
+  return L;
+}
+
+int StatusEvents(const ZtResult& R, const std::string& Id) {
+  int N = 0;
+  for (const auto& E : R.Events) N += E.value("event", "") == "status" && E.value("id", "") == Id;
+  return N;
+}
+
+double SecondsSince(Clock::time_point T) { return std::chrono::duration<double>(Clock::now() - T).count(); }
+
+struct ExitCase {
+  std::string Properties;  // YAML lines of the action, each ending in "\n"
+  Lines Messages;
+  std::string Result;
+};
+
+TEST(RunProgramEndToEnd, TheExitCodeDecidesTheResultAndWhatIsLogged) {
+  const std::vector<ExitCase> Cases = {
+      {"Command: exit 0\n", {}, "success"},
+      {"Command: exit 1\n", {"Program returned code  : 1"}, "ignored"},
+      {"Command: exit 3\n    SuccessRC: 3\n", {}, "success"},
+      {"Command: exit 4\n    SuccessRC: 3\n", {"Program returned code  : 4"}, "ignored"},
+      {"Command: exit 5\n    ReturnCodeComparator: rcGreaterThan\n    ReturnCodeToCheck: 4\n", {}, "success"},
+      {"Command: exit 5\n    ReturnCodeComparator: rcNotEqual\n    ReturnCodeToCheck: 5\n",
+       {"Program returned code  : 5"}, "ignored"},
+      {"Command: exit 7\n    EnableReturnCodeCheck: false\n", {"Program returned code  : 7"}, "success"},
+      {"Command: exit 0\n    CaptureOutput: false\n", {"Program returned code  : 0"}, "success"},
+      {"Command: kill -TERM $$\n", {"Program returned code  : 143"}, "ignored"},
+      {"Command: exit 0\n    LogOutput: false\n", {}, "success"},  // an old project's LogOutput changes nothing
+  };
+  std::string Yaml = "actions:\n";
+  for (const auto& C : Cases) Yaml += "  - action: Run DOS Command\n    ignoreFailure: true\n    " + C.Properties;
+  TempDir D;
+  ZtResult R = RunZt(D.Path(), Yaml);
+  EXPECT_EQ(R.ExitCode, 0) << R.Stderr;
+  for (std::size_t I = 0; I < Cases.size(); ++I) {
+    const std::string Id = std::to_string(I + 1);
+    EXPECT_EQ(Messages(R, Id), Cases[I].Messages) << Cases[I].Properties;
+    EXPECT_EQ(ActionResult(R, Id), Cases[I].Result) << Cases[I].Properties;
+  }
+}
+
+TEST(RunProgramEndToEnd, OutputReachesTheLogAsLinesWithoutLoss) {
+  TempDir D;
+  ZtResult R = RunZt(D.Path(), R"(actions:
+  - action: Run DOS Command
+    Command: printf 'a\r\nb\n\nno line end'
+  - action: Run DOS Command
+    Command: echo out1; echo err1 >&2; echo out2
+  - action: Run DOS Command
+    Command: echo out; echo err >&2
+    RedirectStdErr: false
+  - action: Run DOS Command
+    Command: printf 'x\ny\n'
+    EnableLiveCapture: false
+  - action: Run DOS Command
+    Command: echo straight to the console
+    CaptureOutput: false
+  - action: Run DOS Command
+    Command: head -c 300000 /dev/zero | tr '\0' x; printf 'caf\351\n'
+)");
+  EXPECT_EQ(R.ExitCode, 0) << R.Stderr;
+  EXPECT_EQ(StatusDetails(R, "1"), (Lines{"a", "b", "", "no line end"}));
+  EXPECT_EQ(StatusDetails(R, "2"), (Lines{"out1", "err1", "out2"}));
+  Lines Separate = StatusDetails(R, "3");
+  std::sort(Separate.begin(), Separate.end());  // two streams: each line whole, in no fixed order
+  EXPECT_EQ(Separate, (Lines{"err", "out"}));
+  EXPECT_EQ(StatusDetails(R, "4"), (Lines{"x", "y"}));
+  EXPECT_EQ(StatusEvents(R, "4"), 1);
+  EXPECT_EQ(StatusEvents(R, "5"), 0);
+  EXPECT_NE(R.Stdout.find("straight to the console\n"), std::string::npos);
+  // A long line arrives whole; bytes that are not UTF-8 become U+FFFD in the JSON log.
+  EXPECT_EQ(StatusDetails(R, "6"), (Lines{std::string(300000, 'x') + "caf\xEF\xBF\xBD"}));
+}
+
+TEST(RunProgramEndToEnd, LiveOutputReachesTheLogWhileTheProgramRuns) {
+  TempDir D;
+  // The program only goes on once the test has seen its first line in the log.
+  std::thread Releaser([&D] {
+    WaitUntil([&] {
+      std::ifstream In(D / "log.jsonl");
+      std::string Log((std::istreambuf_iterator<char>(In)), {});
+      return Log.find("\"first\"") != std::string::npos;
+    });
+    Write(D / "go", "");
+  });
+  ZtResult R = RunZt(D.Path(), R"(actions:
+  - action: Run DOS Command
+    Command: echo first; while [ ! -e go ]; do sleep 0.02; done; echo second
+    EnableTimeout: true
+    TimeoutLength: 20
+)");
+  Releaser.join();
+  EXPECT_EQ(ActionResult(R, "1"), "success") << R.Stderr;
+  EXPECT_EQ(StatusDetails(R, "1"), (Lines{"first", "second"}));
+}
+
+TEST(RunProgramEndToEnd, TimeOutStopsTheProgramAndEverythingItStarted) {
+  TempDir D;
+  const auto Start = Clock::now();
+  ZtResult R = RunZt(D.Path(), R"(actions:
+  - action: Run DOS Command
+    Command: echo $$ > shell.pid; sleep 60 & echo $! > child.pid; trap '' TERM; sleep 60
+    EnableTimeout: true
+    TimeoutLength: 1
+)");
+  EXPECT_LT(SecondsSince(Start), 20);
+  EXPECT_EQ(R.ExitCode, 1) << R.Stderr;
+  EXPECT_EQ(Messages(R, "1"), (Lines{"The program did not finish within 1 second and was stopped",
+                                     "Program returned code  : 999"}));
+  EXPECT_EQ(HostLines(R, "1"), (Lines{"The program did not finish within 1 second and was stopped"}));
+  // The shell ignored SIGTERM and was killed after the grace period; its children with it.
+  EXPECT_FALSE(ProcessRunning(ReadPid(D / "shell.pid")));
+  EXPECT_FALSE(ProcessRunning(ReadPid(D / "child.pid")));
+}
+
+TEST(RunProgramEndToEnd, InterruptStopsALongProgramAndItsChildren) {
+  TempDir D;
+  const auto Start = Clock::now();
+  ZtResult R = RunZtAndSignal(D.Path(), R"(actions:
+  - action: Run DOS Command
+    Command: sleep 60 & echo $! > child.pid; echo started; wait
+  - action: Run DOS Command
+    Command: echo never
+)",
+                              "\"started\"", SIGINT);
+  EXPECT_LT(SecondsSince(Start), 20);
+  EXPECT_EQ(R.ExitCode, 130) << R.Stderr;
+  EXPECT_EQ(Messages(R, "1"), (Lines{"Program returned code  : 999", "Terminated by user"}));
+  EXPECT_EQ(ActionResult(R, "2"), "");
+  EXPECT_FALSE(ProcessRunning(ReadPid(D / "child.pid")));
+}
+
+TEST(RunProgramEndToEnd, ThePipesClosingIsNotTheProgramEnding) {
+  TempDir D;
+  const auto Start = Clock::now();
+  ZtResult R = RunZt(D.Path(), R"(actions:
+  - action: Run DOS Command
+    Command: exec >/dev/null 2>&1; sleep 0.3; echo > done.txt; exit 4
+    ignoreFailure: true
+  - action: Run DOS Command
+    Command: sleep 30 & echo $! > holder.pid; echo bye
+)");
+  // The first program was waited for although it closed its output; the
+  // second ended while a child kept its output open, and zt went on.
+  EXPECT_EQ(Messages(R, "1"), (Lines{"Program returned code  : 4"}));
+  EXPECT_TRUE(std::filesystem::exists(D / "done.txt"));
+  EXPECT_EQ(StatusDetails(R, "2"), (Lines{"bye"}));
+  EXPECT_EQ(ActionResult(R, "2"), "success");
+  EXPECT_LT(SecondsSince(Start), 15);
+  kill(ReadPid(D / "holder.pid"), SIGKILL);
+}
+
+TEST(RunProgramEndToEnd, AProgramThatCannotStartIsOneHostLine) {
+  TempDir D;
+  Write(D / "plain.txt", "not a program");
+  ZtResult R = RunZt(D.Path(), R"(actions:
+  - action: Execute Program
+    ProgramName: ./missing
+    ignoreFailure: true
+  - action: Execute Program
+    ProgramName: ./plain.txt
+    ignoreFailure: true
+  - action: Execute Program
+    ProgramName: /bin/true
+    StartInDir: nowhere
+    ignoreFailure: true
+  - action: Run DOS Command
+    Command: "true"
+    StartInDir: nowhere/deeper
+    ignoreFailure: true
+  - action: Execute Program
+    ProgramName: '"/bin/true'
+    ignoreFailure: true
+  - action: Execute Program
+    ProgramName: /bin/true
+    Params: "%UNDEFINED%"
+)");
+  EXPECT_EQ(R.ExitCode, 1) << R.Stderr;
+  EXPECT_EQ(Messages(R, "1"), (Lines{"Executing : ./missing", "With Command Line : ",
+                                     "Cannot start ./missing: The system cannot find the file specified"}));
+  EXPECT_EQ(HostLines(R, "2"), (Lines{"Cannot start ./plain.txt: Access is denied"}));
+  EXPECT_EQ(HostLines(R, "3"), (Lines{"Cannot start /bin/true in nowhere: The directory name is invalid"}));
+  EXPECT_EQ(HostLines(R, "4"), (Lines{"Cannot start /bin/sh in nowhere/deeper: The directory name is invalid"}));
+  // A quote at the start only is part of the name.
+  EXPECT_EQ(HostLines(R, "5"), (Lines{"Cannot start \"/bin/true: The system cannot find the file specified"}));
+  EXPECT_EQ(Messages(R, "6"), Lines{});
+  EXPECT_EQ(StatusDetails(R, "6"),
+            (Lines{"Unable to Execute Program  : ", "--> Variable \"UNDEFINED\" is not defined"}));
+  for (const char* Id : {"1", "2", "3", "4", "5"}) EXPECT_EQ(ActionResult(R, Id), "ignored") << Id;
+  EXPECT_EQ(ActionResult(R, "6"), "failure");
+}
+
+TEST(RunProgramEndToEnd, ParametersAreSplitLikeAShellWithoutExpansion) {
+  TempDir D;
+  Write(D / "my tool", "#!/bin/sh\nprintf '[%s]' \"$@\"\n", true);
+  ZtResult R = RunZt(D.Path(), R"(variables:
+  TOOL: my tool
+actions:
+  - action: Execute Program
+    ProgramName: '"./%TOOL%"'
+    Params: '  "a b" c\ d ''$HOME'' "e\"f" *  '
+)");
+  EXPECT_EQ(R.ExitCode, 0) << R.Stderr;
+  EXPECT_EQ(Messages(R, "1"),
+            (Lines{"Executing : ./my tool", "With Command Line : \"a b\" c\\ d '$HOME' \"e\\\"f\" *"}));
+  EXPECT_EQ(StatusDetails(R, "1"), (Lines{"[a b][c d][$HOME][e\"f][*]"}));
+}
+
+TEST(RunProgramEndToEnd, ALoneBatFileNameIsQuotedForTheInterpreter) {
+  TempDir D;
+  Write(D / "my build.bat", "echo ran\n", true);
+  Write(D / "my build.BAT", "echo ran\n", true);
+  ZtResult R = RunZt(D.Path(), R"(actions:
+  - action: Run DOS Command
+    Command: ./my build.bat
+  - action: Run DOS Command
+    Command: ./my build.BAT
+    ignoreFailure: true
+)");
+  EXPECT_EQ(StatusDetails(R, "1"), (Lines{"ran"}));
+  EXPECT_EQ(ActionResult(R, "2"), "ignored");  // unquoted: the shell looks for "./my"
+  EXPECT_EQ(Messages(R, "2"), (Lines{"Program returned code  : 127"}));
+}
+
+TEST(RunProgramEndToEnd, WithoutWaitingTheProgramRunsOnByItself) {
+  TempDir D;
+  ZtResult R = RunZt(D.Path(), R"(actions:
+  - action: Run DOS Command
+    Command: while [ ! -e go ]; do sleep 0.02; done; echo > ran.txt
+    WaitForCompletion: false
+)");
+  EXPECT_EQ(R.ExitCode, 0) << R.Stderr;
+  EXPECT_EQ(Messages(R, "1"), (Lines{"WARNING: To Capture Output you must enable Wait For Completion. No output "
+                                     "will be captured.",
+                                     "Program started."}));
+  Write(D / "go", "");  // zt has ended; the program is still waiting for this
+  EXPECT_TRUE(WaitUntil([&] { return std::filesystem::exists(D / "ran.txt"); }));
+}
+
+TEST(RunProgramEndToEnd, ValidateNamesTheMissingSetting) {
+  TempDir D;
+  ZtResult R = RunZt(D.Path(), R"(actions:
+  - action: Execute Program
+  - action: Run DOS Command
+  - action: Run DOS Command
+    Command: make
+)",
+                     {}, "validate");
+  EXPECT_EQ(R.ExitCode, 1);
+  EXPECT_EQ(R.Stdout,
+            "1 Execute Program: Program: The program to execute has not been set\n"
+            "2 Run DOS Command: DOS Command: The DOS command has not been set\n");
+}
+
+}  // namespace
+}  // namespace zt::testing
