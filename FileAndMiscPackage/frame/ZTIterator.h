@@ -8,13 +8,18 @@
 // One run, as the runner performs it:
 //   Reset(); if (!BeforeFirstIteration()) the action fails;
 //   while (!NoMoreIterations()) {
+//     if a stop was asked: the action fails, no further pass starts;
 //     NextIteration();                                 // counter k = 1, 2, ...
-//     SetVariable(GetZTVariable(), GetCurrentValue());
-//     run the child actions; AfterEachIteration();
+//     Value = GetCurrentValue();
+//     unless GetNoLoopVariable(): SetVariable(GetZTVariable(), Value)
+//                                 (no variable when the name is empty);
+//     log the pass; run the child actions;             // a failed child ends the loop
+//     AfterEachIteration();
 //   }
 //   AfterLastIteration();
-// An exception from any of these (EIteratorException with its message, or
-// another) fails the action; AfterLastIteration is still called.
+// An exception from any of these (EIteratorException or another) is logged
+// with its message and fails the action. AfterLastIteration is called once
+// for every BeforeFirstIteration that returned true, however the passes end.
 #pragma once
 
 #include <stdexcept>
@@ -43,9 +48,12 @@ class TZTBaseIterator : public TCustomZTAction {
   ZT_DECLARE_CLASS(TZTBaseIterator, TCustomZTAction)
 
  public:
-  // Name of the loop variable.
+  // Name of the loop variable (published as ZTVariable).
   virtual void SetZTVariable(const std::string& Name) { ZTVariable_ = Name; }
   const std::string& GetZTVariable() const { return ZTVariable_; }
+  // True for a loop that sets its own variables in GetCurrentValue: the
+  // runner then sets no loop variable and logs no value for a pass.
+  bool GetNoLoopVariable() const { return NoLoopVariable_; }
 
   // The value of the current pass; the runner puts it into the loop variable.
   virtual TZTVariant GetCurrentValue() = 0;
@@ -72,13 +80,25 @@ class TZTBaseIterator : public TCustomZTAction {
     return Runner->ExecuteLoop(*this);
   }
   bool GetIsFlowControlAction() override { return true; }
+  void GetPropertyAlias(TStrings& List) override { List.Add("ZTVariable=Variable"); }
+  void GetPropertyHelp(TStrings& List) override {
+    List.Add("ZTVariable=The loop variable: it receives the current item before each pass");
+  }
+
+  static void Publish(TZTPublisher<TZTBaseIterator>& P) {
+    P.String("ZTVariable", &TZTBaseIterator::GetZTVariable, &TZTBaseIterator::SetZTVariable);
+  }
+
+ protected:
+  void SetNoLoopVariable(bool Value) { NoLoopVariable_ = Value; }
 
  private:
   std::string ZTVariable_;
+  bool NoLoopVariable_ = false;
   int IterationCount_ = 0;
   int CurrentIteration_ = 0;
 };
 
-inline ZT_IMPLEMENT_CLASS(TZTBaseIterator, nullptr)
+inline ZT_IMPLEMENT_CLASS(TZTBaseIterator, &TZTBaseIterator::Publish)
 
 }  // namespace zt::frame

@@ -38,9 +38,9 @@ struct TZTPropInfo {
   bool ReadOnly() const { return !Set; }
 };
 
-// Collects the properties one class publishes, in declaration order.
-// Cls is the publishing class; getters and setters are its member functions
-// (inherited ones included).
+// Collects the properties one class publishes, in declaration order, after
+// those of its ancestors. Cls is the publishing class; getters and setters
+// are its member functions (inherited ones included).
 template <class Cls>
 class TZTPublisher {
  public:
@@ -115,6 +115,10 @@ class TZTPublisher {
         else (Self.*Set)(V.AsString());
       };
     }
+    // Publishing an inherited name again redescribes that property in its
+    // place (as a Delphi class republishes one, for example as not stored).
+    for (TZTPropInfo& Existing : Out_)
+      if (Existing.Name == P.Name) return Existing = std::move(P);
     Out_.push_back(std::move(P));
     return Out_.back();
   }

@@ -37,7 +37,8 @@ void BuildLog::Status(const std::string& Id, const std::string& Text, const std:
 void BuildLog::Progress(const std::string& Id, const std::string& Text, int Percent) {
   Each([&](LogSink& S) { S.Progress(Id, Text, Percent); });
 }
-void BuildLog::Iteration(const std::string& Id, int Index, int Count, const std::string& Value) {
+void BuildLog::Iteration(const std::string& Id, int Index, int Count,
+                         const std::optional<std::string>& Value) {
   Each([&](LogSink& S) { S.Iteration(Id, Index, Count, Value); });
 }
 void BuildLog::ActionEnd(const std::string& Id, ActionResult Result) {

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -33,7 +34,10 @@ class LogSink {
   virtual void Message(const std::string& Id, const std::string& Text, bool FromHost) = 0;
   virtual void Status(const std::string& Id, const std::string& Text, const std::vector<std::string>& Details) = 0;
   virtual void Progress(const std::string& Id, const std::string& Text, int Percent) = 0;
-  virtual void Iteration(const std::string& Id, int Index, int Count, const std::string& Value) = 0;
+  // A loop's pass Index (1-based) of Count starts; Value is the loop
+  // variable's value, none for a loop without one.
+  virtual void Iteration(const std::string& Id, int Index, int Count,
+                         const std::optional<std::string>& Value) = 0;
   virtual void ActionEnd(const std::string& Id, ActionResult Result) = 0;
   virtual void Variables(const VariableList& Values) = 0;
   virtual void BuildEnd(BuildResult Result, std::int64_t DurationMs) = 0;
@@ -49,7 +53,8 @@ class BuildLog : public LogSink {
   void Message(const std::string& Id, const std::string& Text, bool FromHost) override;
   void Status(const std::string& Id, const std::string& Text, const std::vector<std::string>& Details) override;
   void Progress(const std::string& Id, const std::string& Text, int Percent) override;
-  void Iteration(const std::string& Id, int Index, int Count, const std::string& Value) override;
+  void Iteration(const std::string& Id, int Index, int Count,
+                 const std::optional<std::string>& Value) override;
   void ActionEnd(const std::string& Id, ActionResult Result) override;
   void Variables(const VariableList& Values) override;
   void BuildEnd(BuildResult Result, std::int64_t DurationMs) override;

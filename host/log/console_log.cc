@@ -40,8 +40,7 @@ void ConsoleLog::BuildStart(const std::string& Project) {
 
 void ConsoleLog::ActionStart(const std::string& Id, const std::string& Title, const std::string&,
                              const std::string& Description) {
-  CurrentTitle_ = Title;
-  Pending_.clear();
+  Running_.push_back({Title, Pending_.size()});
   Line(Id, 0, "[" + Id + "] " + (Description.empty() ? Title : Description));
 }
 
@@ -68,18 +67,22 @@ void ConsoleLog::Progress(const std::string& Id, const std::string& Text, int Pe
   ProgressShown_ = true;
 }
 
-void ConsoleLog::Iteration(const std::string& Id, int Index, int Count, const std::string& Value) {
-  Line(Id, 2, "(" + std::to_string(Index) + "/" + std::to_string(Count) + ") " + Value);
+void ConsoleLog::Iteration(const std::string& Id, int Index, int Count,
+                           const std::optional<std::string>& Value) {
+  std::string Text = "pass " + std::to_string(Index) + " of " + std::to_string(Count);
+  if (Value) Text += ": " + *Value;
+  Line(Id, 2, Text);
 }
 
 void ConsoleLog::ActionEnd(const std::string& Id, ActionResult Result) {
   ++Actions_;
+  const std::string Title = Running_.empty() ? "" : Running_.back().Title;
   switch (Result) {
     case ActionResult::Success:
       break;
     case ActionResult::Failure:
       ++Failed_;
-      FailedTitle_ = "[" + Id + "] " + CurrentTitle_;
+      FailedTitle_ = "[" + Id + "] " + Title;
       Line(Id, 4, "FAILED");
       break;
     case ActionResult::Ignored:
@@ -91,9 +94,13 @@ void ConsoleLog::ActionEnd(const std::string& Id, ActionResult Result) {
       Line(Id, 4, "skipped");
       break;
   }
-  if (Quiet_ && (Result == ActionResult::Failure || Result == ActionResult::Ignored)) Flush();
-  Pending_.clear();
-  Pending_.shrink_to_fit();
+  if (Quiet_ && (Result == ActionResult::Failure || Result == ActionResult::Ignored)) {
+    Flush();
+  } else if (!Running_.empty()) {
+    Pending_.resize(std::min(Pending_.size(), Running_.back().PendingMark));  // this action's lines
+  }
+  if (!Running_.empty()) Running_.pop_back();
+  if (Running_.empty()) Pending_.shrink_to_fit();  // a program's output may have been large
   std::fflush(Out_);
 }
 

@@ -131,11 +131,12 @@ void JsonLog::Progress(const std::string& Id, const std::string& Text, int Perce
   Write(E);
 }
 
-void JsonLog::Iteration(const std::string& Id, int Index, int Count, const std::string& Value) {
+void JsonLog::Iteration(const std::string& Id, int Index, int Count,
+                        const std::optional<std::string>& Value) {
   ordered_json E = ActionEvent("iteration", Id);
   E["index"] = Index;
   E["count"] = Count;
-  E["value"] = Value;
+  if (Value) E["value"] = *Value;
   Write(E);
 }
 

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdio>
+#include <optional>
 #include <string>
 
 #include <nlohmann/json.hpp>
@@ -25,7 +26,8 @@ class JsonLog : public LogSink {
   void Message(const std::string& Id, const std::string& Text, bool FromHost) override;
   void Status(const std::string& Id, const std::string& Text, const std::vector<std::string>& Details) override;
   void Progress(const std::string& Id, const std::string& Text, int Percent) override;
-  void Iteration(const std::string& Id, int Index, int Count, const std::string& Value) override;
+  void Iteration(const std::string& Id, int Index, int Count,
+                 const std::optional<std::string>& Value) override;
   void ActionEnd(const std::string& Id, ActionResult Result) override;
   void Variables(const VariableList& Values) override;
   void BuildEnd(BuildResult Result, std::int64_t DurationMs) override;

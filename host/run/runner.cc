@@ -4,6 +4,8 @@
 #include <chrono>
 #include <filesystem>
 
+#include "host/run/child_actions.h"
+
 namespace zt::host {
 
 namespace {
@@ -39,14 +41,9 @@ Runner::Runner(Project& P, BuildLog& Log, const VariableList& Overrides)
 BuildResult Runner::Run() {
   auto Start = std::chrono::steady_clock::now();
   Log_.BuildStart(Project_.Name);
-  BuildResult Result = BuildResult::Success;
-  for (ActionNode& Node : Project_.Actions) {
-    if (Stop_) break;
-    if (RunAction(Node) == ActionResult::Failure) {
-      Result = BuildResult::Failure;
-      break;
-    }
-  }
+  ForEachAction(Project_.Actions, [](ActionNode& N, int) { N.Action->ResetBuildStatus(); });
+  BuildResult Result = RunActionList(*this, Project_.Actions) == ListResult::Failed ? BuildResult::Failure
+                                                                                    : BuildResult::Success;
   if (Stop_) Result = BuildResult::Stopped;
   Log_.Variables(Vars_.Project());
   auto Ms = std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - Start);
@@ -68,8 +65,10 @@ ActionResult Runner::RunAction(ActionNode& Node) {
     return ActionResult::Skipped;
   }
   bool Ok = false;
+  frame::TZTAction* Outer = nullptr;  // the loop around a child action
   {
     std::lock_guard<std::mutex> Lock(RunningMutex_);
+    Outer = Running_;
     Running_ = &A;
   }
   try {
@@ -81,7 +80,7 @@ ActionResult Runner::RunAction(ActionNode& Node) {
   }
   {
     std::lock_guard<std::mutex> Lock(RunningMutex_);
-    Running_ = nullptr;
+    Running_ = Outer;
   }
   ActionResult R = Ok ? ActionResult::Success : Node.IgnoreFailure ? ActionResult::Ignored : ActionResult::Failure;
   Log_.ActionEnd(Node.Id, R);
@@ -94,10 +93,15 @@ void Runner::RequestStop() {
   if (Running_ && Running_->CanTerminate()) Running_->TerminateAction();
 }
 
+ActionNode* Runner::NodeOf(const frame::TZTAction& Action) const {
+  auto It = Nodes_.find(&Action);
+  return It == Nodes_.end() ? nullptr : It->second;
+}
+
 const std::string& Runner::IdOf(const frame::TZTAction& Action) const {
   static const std::string kNone;
-  auto It = Nodes_.find(&Action);
-  return It == Nodes_.end() ? kNone : It->second->Id;
+  const ActionNode* Node = NodeOf(Action);
+  return Node ? Node->Id : kNone;
 }
 
 void Runner::HostMessage(const frame::TZTAction& Action, const std::string& Text) {

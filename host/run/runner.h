@@ -16,6 +16,7 @@
 #include "host/project/file_set.h"
 #include "host/project/project.h"
 #include "host/project/variables.h"
+#include "host/run/loop_runner.h"
 #include "host/run/process_runner.h"
 
 namespace zt::host {
@@ -34,6 +35,17 @@ class Runner : public frame::IZTActionHost {
 
   const Variables& Vars() const { return Vars_; }
   Expander& GetExpander() { return Expander_; }
+  BuildLog& Log() { return Log_; }
+
+  // The one run path of an action: logs its start, runs it (unless it is
+  // disabled), logs any exception as a host line, logs its end.
+  ActionResult RunAction(ActionNode& Node);
+  // The project's node of Action; null for an action not in the project.
+  ActionNode* NodeOf(const frame::TZTAction& Action) const;
+  // The id of Action in the tree ("2.1"); "" for an action not in the project.
+  const std::string& IdOf(const frame::TZTAction& Action) const;
+  // One line that the host itself writes under Action (host: true).
+  void HostMessage(const frame::TZTAction& Action, const std::string& Text);
 
   // IZTActionHost
   std::string ExpandExpression(frame::TZTAction& Action, const std::string& Text, bool IsName) override;
@@ -53,13 +65,10 @@ class Runner : public frame::IZTActionHost {
   bool ExecuteScript(frame::TZTAction& Action, const std::string& Name, frame::TZTScriptParams& Params) override;
   frame::IZTProjectObjectAPI* GetProjectObjectAPI() override { return &Objects_; }
   std::shared_ptr<frame::IZTStringBuilder> CreateStringBuilder() override { return nullptr; }
+  frame::IZTLoopRunner* GetLoopRunner() override { return &Loops_; }
   frame::IZTProcessRunner* GetProcessRunner() override { return &Processes_; }
 
  private:
-  ActionResult RunAction(ActionNode& Node);
-  const std::string& IdOf(const frame::TZTAction& Action) const;
-  void HostMessage(const frame::TZTAction& Action, const std::string& Text);
-
   Project& Project_;
   BuildLog& Log_;
   Variables Vars_;
@@ -69,7 +78,8 @@ class Runner : public frame::IZTActionHost {
   std::unordered_map<const frame::TZTAction*, ActionNode*> Nodes_;
   std::atomic<bool> Stop_{false};
   std::mutex RunningMutex_;  // guards Running_ against RequestStop from another thread
-  frame::TZTAction* Running_ = nullptr;
+  frame::TZTAction* Running_ = nullptr;  // the innermost running action
+  LoopRunner Loops_{*this};
 };
 
 }  // namespace zt::host

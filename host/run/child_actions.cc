@@ -1,0 +1,20 @@
+#include "host/run/child_actions.h"
+
+#include "host/run/runner.h"
+
+namespace zt::host {
+
+ListResult RunActionList(Runner& Host, std::vector<ActionNode>& Actions) {
+  for (ActionNode& Node : Actions) {
+    if (Host.StopSignalled()) return ListResult::Stopped;
+    if (Host.RunAction(Node) == ActionResult::Failure) return ListResult::Failed;
+  }
+  return ListResult::Completed;
+}
+
+ListResult RunChildActions(Runner& Host, frame::TZTAction& Parent) {
+  ActionNode* Node = Host.NodeOf(Parent);
+  return Node ? RunActionList(Host, Node->Children) : ListResult::Completed;
+}
+
+}  // namespace zt::host
