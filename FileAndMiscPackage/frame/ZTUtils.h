@@ -15,6 +15,13 @@ inline std::string Trim(const std::string& S) {
   return S.substr(B, E - B);
 }
 
+// Delphi's LowerCase: ASCII letters only, every other byte unchanged.
+inline std::string LowerCase(std::string S) {
+  for (char& C : S)
+    if (C >= 'A' && C <= 'Z') C = static_cast<char>(C - 'A' + 'a');
+  return S;
+}
+
 // Removes one pair of surrounding double quotes; any other text is returned
 // unchanged (a lone quote included).
 inline std::string StripQuotes(const std::string& S) {

@@ -15,12 +15,6 @@ namespace {
 constexpr int kDefaultNotInteger = -99098700;
 constexpr int kNewValueNotInteger = -990234;
 
-std::string LowerCase(std::string S) {
-  for (char& C : S)
-    if (C >= 'A' && C <= 'Z') C = static_cast<char>(C - 'A' + 'a');
-  return S;
-}
-
 const char* BoolText(bool B) { return B ? "True" : "False"; }
 
 }  // namespace
@@ -116,7 +110,7 @@ bool TCustomReadIniFileAction::Execute() {
   bool DefaultBool = false;
   int DefaultInt = 0;
   if (FValueType == vtBool) {
-    std::string B = frame::Trim(LowerCase(Default));
+    std::string B = frame::Trim(frame::LowerCase(Default));
     if (B != "true" && B != "false") {
       SendMessage("Default Value is not True or False and the Value Type is Boolean");
       return false;

@@ -1,0 +1,144 @@
+// How zt runs loop actions: the passes and their events, nested loops, a
+// failing child, and a stop in mid-loop.
+#include <signal.h>
+
+#include <fstream>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "LoopEvents.h"
+#include "ZtRunner.h"
+#include "support/TempDir.h"
+
+namespace zt::testing {
+namespace {
+
+using Lines = std::vector<std::string>;
+
+// Starts, passes and ends of every action, in log order.
+Lines Trace(const ZtResult& R) {
+  Lines T;
+  for (const auto& E : R.Events) {
+    const std::string Event = E.value("event", ""), Id = E.value("id", "");
+    if (Event == "action-start") T.push_back("start " + Id);
+    if (Event == "action-end") T.push_back("end " + Id + " " + E.value("result", ""));
+    if (Event == "iteration")
+      T.push_back("pass " + Id + " " + std::to_string(E["index"].get<int>()) + "=" + E.value("value", ""));
+  }
+  return T;
+}
+
+TEST(LoopRunnerE2E, NestedLoopRunsAfreshInEveryPassWithTheSameIds) {
+  TempDir D;
+  ZtResult R = RunZt(D.Path(), R"(
+actions:
+  - action: List Iterator
+    ZTVariable: O
+    ListOfItems: [a, b]
+    actions:
+      - action: List Iterator
+        ZTVariable: I
+        ListOfItems: ["%O%1", "%O%2"]
+        actions:
+          - action: Delete File(s)
+            FileSpec: "%I%.tmp"
+            enabled: false
+)");
+  EXPECT_EQ(R.ExitCode, 0) << R.Stderr;
+  EXPECT_EQ(Trace(R),
+            (Lines{"start 1",           "pass 1 1=a",        "start 1.1",         "pass 1.1 1=a1",
+                   "start 1.1.1",       "end 1.1.1 skipped", "pass 1.1 2=a2",     "start 1.1.1",
+                   "end 1.1.1 skipped", "end 1.1 success",   "pass 1 2=b",        "start 1.1",
+                   "pass 1.1 1=b1",     "start 1.1.1",       "end 1.1.1 skipped", "pass 1.1 2=b2",
+                   "start 1.1.1",       "end 1.1.1 skipped", "end 1.1 success",   "end 1 success"}));
+  EXPECT_NE(
+      R.Stdout.find("[1] List Iterator [ a, b ]\n    Setting items...\n    Found 2 Items\n  pass 1 of 2: a\n"
+                    "  [1.1] List Iterator [ %O%1, %O%2 ]\n"),
+      std::string::npos)
+      << R.Stdout;
+}
+
+TEST(LoopRunnerE2E, FailedChildEndsTheLoopUnlessItsFailureIsIgnored) {
+  TempDir D;
+  std::ofstream(D / "a.txt") << "a";
+  std::ofstream(D / "c.txt") << "c";
+  ZtResult R = RunZt(D.Path(), R"(
+filesets:
+  Texts:
+    base: .
+    include: ["*.txt"]
+actions:
+  - action: File Iterator
+    UseFileSet: true
+    FileSetName: Texts
+    FileSetRefreshBefore: false
+    FileSetRefreshAfterEach: true
+    ignoreFailure: true
+    actions:
+      - action: Check if File Exists
+        FileOrDirectory: missing.txt
+  - action: List Iterator
+    ZTVariable: I
+    ListOfItems: [a, b, c]
+    actions:
+      - action: Check if File Exists
+        FileOrDirectory: "%I%.txt"
+        ignoreFailure: true
+  - action: List Iterator
+    ZTVariable: I
+    ListOfItems: [a, b, c]
+    actions:
+      - action: Check if File Exists
+        FileOrDirectory: "%I%.txt"
+)");
+  EXPECT_EQ(R.ExitCode, 1);
+  // No refresh after the failed pass, but the loop still ends its list.
+  const std::string Dir = D.Path() + "/";
+  EXPECT_EQ(Messages(R, "1"), (Lines{"Retrieving fileset...",
+                                     "File Set contents (2 files) :", Dir + "a.txt\r\n" + Dir + "c.txt\r\n",
+                                     "Final file list which was iterated (after all intermediate updates):",
+                                     Dir + "a.txt\r\n" + Dir + "c.txt\r\n", "(2 files.)"}));
+  EXPECT_EQ(ActionResult(R, "1"), "ignored");
+  EXPECT_EQ(Passes(R, "2"), (Lines{"1/3=a", "2/3=b", "3/3=c"}));
+  EXPECT_EQ(ActionResult(R, "2"), "success");
+  EXPECT_EQ(Passes(R, "3"), (Lines{"1/3=a", "2/3=b"}));
+  EXPECT_EQ(ActionResult(R, "3"), "failure");
+  EXPECT_EQ(R.Events.back()["result"], "failure");
+}
+
+TEST(LoopRunnerE2E, StopEndsTheLoopBeforeItsNextPass) {
+  TempDir D;
+  const int Count = 50000;
+  {
+    std::ofstream Lines(D / "lines.txt");
+    for (int I = 0; I < Count; ++I) Lines << "line " << I << "\n";
+  }
+  ZtResult R = RunZtAndSignal(D.Path(), R"(
+actions:
+  - action: File Contents Iterator
+    ZTVariable: L
+    TextFileName: lines.txt
+    actions:
+      - action: Delete File(s)
+        FileSpec: "%L%.tmp"
+        FailIfNoFile: false
+)",
+                              "\"iteration\"", SIGINT);
+  ASSERT_EQ(R.ExitCode, 130) << R.Stderr;
+  const auto Done = Passes(R, "1");
+  ASSERT_FALSE(Done.empty());
+  EXPECT_LT(Done.size(), static_cast<std::size_t>(Count));
+  const std::string Last = std::to_string(Done.size()) + " of " + std::to_string(Count);
+  const std::string Next = std::to_string(Done.size() + 1) + " of " + std::to_string(Count);
+  const Lines Said = Messages(R, "1");
+  ASSERT_FALSE(Said.empty());
+  EXPECT_TRUE(Said.back() == "Stopped before pass " + Next || Said.back() == "Stopped in pass " + Last)
+      << Said.back();
+  EXPECT_EQ(ActionResult(R, "1"), "failure");
+  EXPECT_EQ(R.Events.back()["result"], "stopped");
+}
+
+}  // namespace
+}  // namespace zt::testing
