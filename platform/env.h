@@ -1,8 +1,9 @@
 // The one replaceable object behind the file services of files.h.
 //
 // Env has two kinds of operations:
-//  - services with Win32 semantics (find, attributes, copy, move, handles ...),
-//    which the free functions of files.h forward to, and
+//  - services with Win32 semantics (find, attributes, copy, move, handles,
+//    the registry ...), which the free functions of files.h and registry.h
+//    forward to, and
 //  - primitives the POSIX services are built from (file information, one copy
 //    chunk, the stored DOS attribute bits).
 // Services reach their primitives through Env::Default(), never through
@@ -97,6 +98,20 @@ class Env {
   virtual int FileSetDate(THandle Handle, int Age) = 0;
 
   virtual bool WriteFileAtomically(const std::string& Path, const std::string& Contents) = 0;
+
+  // ---- Registry services (contracts in registry.h) ----
+
+  virtual DWORD RegOpenKeyExA(HKEY Key, const std::string& SubKey, DWORD Access, HKEY& Result) = 0;
+  virtual DWORD RegCreateKeyExA(HKEY Key, const std::string& SubKey, DWORD Access, HKEY& Result,
+                                DWORD* Disposition) = 0;
+  virtual DWORD RegCloseKey(HKEY Key) = 0;
+  virtual DWORD RegQueryValueExA(HKEY Key, const std::string& ValueName, DWORD* Type, std::string* Data) = 0;
+  virtual DWORD RegSetValueExA(HKEY Key, const std::string& ValueName, DWORD Type,
+                               const std::string& Data) = 0;
+  virtual DWORD RegDeleteValueA(HKEY Key, const std::string& ValueName) = 0;
+  virtual DWORD RegDeleteKeyA(HKEY Key, const std::string& SubKey) = 0;
+  virtual DWORD RegQueryInfoKeyA(HKEY Key, DWORD* SubKeys, DWORD* Values) = 0;
+  virtual DWORD RegEnumKeyExA(HKEY Key, DWORD Index, std::string& Name) = 0;
 };
 
 // Forwards every operation to Target. Tests derive from it and override the
@@ -151,6 +166,32 @@ class EnvWrapper : public Env {
   int FileSetDate(THandle Handle, int Age) override { return Target_->FileSetDate(Handle, Age); }
   bool WriteFileAtomically(const std::string& Path, const std::string& Contents) override {
     return Target_->WriteFileAtomically(Path, Contents);
+  }
+  DWORD RegOpenKeyExA(HKEY Key, const std::string& SubKey, DWORD Access, HKEY& Result) override {
+    return Target_->RegOpenKeyExA(Key, SubKey, Access, Result);
+  }
+  DWORD RegCreateKeyExA(HKEY Key, const std::string& SubKey, DWORD Access, HKEY& Result,
+                        DWORD* Disposition) override {
+    return Target_->RegCreateKeyExA(Key, SubKey, Access, Result, Disposition);
+  }
+  DWORD RegCloseKey(HKEY Key) override { return Target_->RegCloseKey(Key); }
+  DWORD RegQueryValueExA(HKEY Key, const std::string& ValueName, DWORD* Type, std::string* Data) override {
+    return Target_->RegQueryValueExA(Key, ValueName, Type, Data);
+  }
+  DWORD RegSetValueExA(HKEY Key, const std::string& ValueName, DWORD Type, const std::string& Data) override {
+    return Target_->RegSetValueExA(Key, ValueName, Type, Data);
+  }
+  DWORD RegDeleteValueA(HKEY Key, const std::string& ValueName) override {
+    return Target_->RegDeleteValueA(Key, ValueName);
+  }
+  DWORD RegDeleteKeyA(HKEY Key, const std::string& SubKey) override {
+    return Target_->RegDeleteKeyA(Key, SubKey);
+  }
+  DWORD RegQueryInfoKeyA(HKEY Key, DWORD* SubKeys, DWORD* Values) override {
+    return Target_->RegQueryInfoKeyA(Key, SubKeys, Values);
+  }
+  DWORD RegEnumKeyExA(HKEY Key, DWORD Index, std::string& Name) override {
+    return Target_->RegEnumKeyExA(Key, Index, Name);
   }
 
  private:

@@ -60,6 +60,11 @@ constexpr Message Messages[] = {
     {ERROR_INVALID_WINDOW_HANDLE, "Invalid window handle"},
     {ERROR_PRIVILEGE_NOT_HELD, "A required privilege is not held by the client"},
     {ERROR_CANT_RESOLVE_FILENAME, "The name of the file cannot be resolved by the system"},
+    {ERROR_MORE_DATA, "More data is available"},
+    {ERROR_NO_MORE_ITEMS, "No more data is available"},
+    {ERROR_BADDB, "The configuration registry database is corrupt"},
+    {ERROR_BADKEY, "The configuration registry key is invalid"},
+    {ERROR_KEY_DELETED, "Illegal operation attempted on a registry key that has been marked for deletion"},
 };
 
 }  // namespace

@@ -43,6 +43,17 @@ class PosixEnv final : public Env {
   int FileSetDate(THandle Handle, int Age) override;
 
   bool WriteFileAtomically(const std::string& Path, const std::string& Contents) override;
+
+  DWORD RegOpenKeyExA(HKEY Key, const std::string& SubKey, DWORD Access, HKEY& Result) override;
+  DWORD RegCreateKeyExA(HKEY Key, const std::string& SubKey, DWORD Access, HKEY& Result,
+                        DWORD* Disposition) override;
+  DWORD RegCloseKey(HKEY Key) override;
+  DWORD RegQueryValueExA(HKEY Key, const std::string& ValueName, DWORD* Type, std::string* Data) override;
+  DWORD RegSetValueExA(HKEY Key, const std::string& ValueName, DWORD Type, const std::string& Data) override;
+  DWORD RegDeleteValueA(HKEY Key, const std::string& ValueName) override;
+  DWORD RegDeleteKeyA(HKEY Key, const std::string& SubKey) override;
+  DWORD RegQueryInfoKeyA(HKEY Key, DWORD* SubKeys, DWORD* Values) override;
+  DWORD RegEnumKeyExA(HKEY Key, DWORD Index, std::string& Name) override;
 };
 
 // The extended attribute that keeps hidden, system and archive (the Samba

@@ -11,8 +11,9 @@ namespace zt::testing {
 
 class TempDir {
  public:
-  TempDir() {
-    std::string Tmpl = (std::filesystem::temp_directory_path() / "zt-test-XXXXXX").string();
+  // Base: the folder to make it in (default: the system's temporary folder).
+  explicit TempDir(const std::filesystem::path& Base = std::filesystem::temp_directory_path()) {
+    std::string Tmpl = (Base / "zt-test-XXXXXX").string();
     Path_ = mkdtemp(Tmpl.data());
   }
   ~TempDir() {
