@@ -2,6 +2,7 @@
 
 #include <exception>
 #include <unordered_set>
+#include <vector>
 
 #include "frame/ZTFileSet.h"
 #include "frame/ZTUtils.h"
@@ -83,22 +84,32 @@ void TCustomFileIterator::SearchFiles(const std::string& Spec) {
   // read-only and archive files. Directories never match either mask.
   const int Attr = FFindAnyFile ? 47 : 0;
   const std::string Dir = pf::ExtractFilePath(Spec);
+  const std::string Pattern = pf::ExtractFileName(Spec);
   pf::TSearchRec F;
-  if (pf::FindFirst(Spec, Attr, F) == 0) {
+  if (!FRecurse) {
+    if (pf::FindFirst(Spec, Attr, F) != 0) return;
     do {
       FFileList.Add(FIncludeFilePath ? Dir + F.Name : F.Name);
     } while (pf::FindNext(F) == 0);
     pf::FindClose(F);
+    return;
   }
-  if (!FRecurse) return;
-  const std::string Pattern = pf::ExtractFileName(Spec);
+  // One listing of "*.*" with the directory bit added gives what the two
+  // searches give (the pattern's files, then the sub-directories, each in
+  // directory order): the mask treats files alike in both, and every entry
+  // is described once instead of twice.
+  std::vector<std::string> SubDirs;
   if (pf::FindFirst(Dir + "*.*", Attr | pf::faDirectory, F) == 0) {
     do {
-      if ((F.Attr & pf::faDirectory) && F.Name != "." && F.Name != "..")
-        SearchFiles(Dir + F.Name + pf::PathDelim + Pattern);
+      if (!(F.Attr & pf::faDirectory)) {
+        if (pf::MatchesWildcard(F.Name, Pattern)) FFileList.Add(FIncludeFilePath ? Dir + F.Name : F.Name);
+      } else if (F.Name != "." && F.Name != "..") {
+        SubDirs.push_back(F.Name);
+      }
     } while (pf::FindNext(F) == 0);
     pf::FindClose(F);
   }
+  for (const std::string& Sub : SubDirs) SearchFiles(Dir + Sub + pf::PathDelim + Pattern);
 }
 
 void TCustomFileIterator::ReadFileSet(bool Refreshing) {
