@@ -9,7 +9,8 @@ namespace zt::frame {
 
 class TStrings {
  public:
-  void Add(std::string Line) { Lines_.push_back(std::move(Line)); }
+  void Add(const std::string& Line) { Lines_.push_back(Line); }
+  void Add(std::string&& Line) { Lines_.push_back(std::move(Line)); }
   void Clear() { Lines_.clear(); }
   int Count() const { return static_cast<int>(Lines_.size()); }
   const std::string& operator[](int Index) const { return Lines_.at(static_cast<std::size_t>(Index)); }

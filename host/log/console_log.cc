@@ -1,6 +1,7 @@
 #include "host/log/console_log.h"
 
 #include <algorithm>
+#include <cstring>
 
 namespace zt::host {
 
@@ -54,8 +55,18 @@ void ConsoleLog::Status(const std::string& Id, const std::string& Text, const st
     for (const auto& D : Details) Line(Id, Text.empty() ? 4 : 6, D);
     return;
   }
-  const std::string Prefix = Indent(Id, Text.empty() ? 4 : 6);  // once: captured output can be millions of lines
-  for (const auto& D : Details) Pending_.append(Prefix).append(D) += '\n';
+  // Kept in one text, copied in one pass: captured output can be millions of lines.
+  const std::string Prefix = Indent(Id, Text.empty() ? 4 : 6);
+  std::size_t Size = 0;
+  for (const auto& D : Details) Size += Prefix.size() + D.size() + 1;
+  std::size_t At = Pending_.size();
+  Pending_.resize(At + Size);
+  for (const auto& D : Details) {
+    std::memcpy(&Pending_[At], Prefix.data(), Prefix.size());
+    std::memcpy(&Pending_[At + Prefix.size()], D.data(), D.size());
+    At += Prefix.size() + D.size();
+    Pending_[At++] = '\n';
+  }
 }
 
 void ConsoleLog::Progress(const std::string& Id, const std::string& Text, int Percent) {

@@ -1,5 +1,7 @@
 #include "host/log/json_log.h"
 
+#include <array>
+#include <cstdint>
 #include <cerrno>
 #include <cstring>
 #include <ctime>
@@ -32,19 +34,59 @@ ordered_json ActionEvent(const char* Name, const std::string& Id) {
   return E;
 }
 
-// Appends Text as a JSON string. Printable ASCII is copied as it is; other
-// texts go through the JSON library, so escapes and the replacement of bytes
-// that are not UTF-8 are those of every other event.
-void AppendJsonString(std::string& Out, const std::string& Text) {
-  for (unsigned char C : Text) {
-    if (C < 0x20 || C >= 0x80 || C == '"' || C == '\\') {
-      Out += nlohmann::json(Text).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
-      return;
-    }
+// Bytes a JSON string cannot hold as they are: controls, quote, backslash,
+// and everything above ASCII (which may not be UTF-8).
+constexpr std::array<bool, 256> kNotPlain = [] {
+  std::array<bool, 256> T{};
+  for (int C = 0; C < 256; ++C) T[C] = C < 0x20 || C >= 0x80 || C == '"' || C == '\\';
+  return T;
+}();
+
+// Eight bytes at a time: any byte of 0x80 or more, below 0x20, '"' or '\\'.
+bool HasNotPlain(std::uint64_t X) {
+  constexpr std::uint64_t kOnes = 0x0101010101010101ull, kHigh = 0x8080808080808080ull;
+  const auto HasZero = [](std::uint64_t V) { return (V - kOnes) & ~V & kHigh; };
+  return ((X & kHigh) | ((X - kOnes * 0x20) & ~X & kHigh) | HasZero(X ^ (kOnes * '"')) |
+          HasZero(X ^ (kOnes * '\\'))) != 0;
+}
+
+bool IsPlainJson(const std::string& Text) {
+  const char* P = Text.data();
+  std::size_t I = 0, N = Text.size();
+  for (; I + 8 <= N; I += 8) {
+    std::uint64_t X;
+    std::memcpy(&X, P + I, 8);
+    if (HasNotPlain(X)) return false;
   }
-  Out += '"';
-  Out += Text;
-  Out += '"';
+  for (; I < N; ++I)
+    if (kNotPlain[static_cast<unsigned char>(P[I])]) return false;
+  return true;
+}
+
+// Appends Lines as the elements of a JSON array of strings. Plain texts are
+// copied as they are; others go through the JSON library, so escapes and the
+// replacement of bytes that are not UTF-8 are those of every other event.
+void AppendJsonStrings(std::string& Out, const std::vector<std::string>& Lines) {
+  std::size_t Size = 0;
+  for (const std::string& L : Lines) Size += L.size() + 3;
+  std::size_t At = Out.size();
+  Out.resize(At + Size);
+  for (std::size_t I = 0; I < Lines.size(); ++I) {
+    const std::string& L = Lines[I];
+    if (IsPlainJson(L)) {
+      Out[At++] = '"';
+      std::memcpy(&Out[At], L.data(), L.size());
+      At += L.size();
+      Out[At++] = '"';
+    } else {
+      const std::string Escaped = nlohmann::json(L).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
+      Out.resize(Out.size() + Escaped.size());  // room for the rest as planned, whatever this one needs
+      std::memcpy(&Out[At], Escaped.data(), Escaped.size());
+      At += Escaped.size();
+    }
+    if (I + 1 < Lines.size()) Out[At++] = ',';
+  }
+  Out.resize(At);
 }
 
 }  // namespace
@@ -112,14 +154,8 @@ void JsonLog::Status(const std::string& Id, const std::string& Text, const std::
   // The details are written straight into the line: a program's output can be millions of lines.
   std::string Line = E.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
   Line.pop_back();  // the closing brace
-  std::size_t Size = Line.size() + 16;
-  for (const std::string& D : Details) Size += D.size() + 3;
-  Line.reserve(Size);
   Line += ",\"details\":[";
-  for (std::size_t I = 0; I < Details.size(); ++I) {
-    if (I > 0) Line += ',';
-    AppendJsonString(Line, Details[I]);
-  }
+  AppendJsonStrings(Line, Details);
   Line += "]}\n";
   WriteLine(Line);
 }

@@ -22,7 +22,8 @@ class OutputLines {
         return;
       }
       if (Partial_.empty()) {
-        Line_.assign(Data, Lf);
+        Line_.clear();
+        Line_.append(Data, static_cast<std::size_t>(Lf - Data));
       } else {
         Partial_.append(Data, Lf);
         Line_.swap(Partial_);

@@ -60,7 +60,8 @@ struct ProcessRunner::Run {
   RunContext Context;
   std::unique_ptr<pf::ChildProcess> Child;
   bool Terminate = false;
-  frame::IZTActionLogMessagePtr Batch;  // live lines not sent yet
+  frame::IZTActionLogMessagePtr Batch;  // live lines not sent yet (BatchLines)
+  bool BatchLines = false;
   frame::TStrings Collected;            // lines for OnProcessOutput
 };
 
@@ -221,6 +222,7 @@ void ProcessRunner::Capture(frame::TZTExecuteAbstractAction& A, const std::strin
   }
   if (!R->Batch) R->Batch = A.CreateStatusMessage();
   R->Batch->Details().Add(Text);
+  R->BatchLines = true;
 }
 
 void ProcessRunner::OnStdOutData(frame::TZTExecuteAbstractAction& A, frame::IZTProcess&, const std::string& Text) {
@@ -239,10 +241,12 @@ void ProcessRunner::OnProcessOutput(frame::TZTExecuteAbstractAction& A, const fr
 }
 
 void ProcessRunner::SendBatch(Run& R) {
-  if (!R.Batch) return;
-  frame::IZTActionLogMessagePtr Batch = std::move(R.Batch);
-  R.Batch.reset();
-  R.Action.SendStatusMessage(Batch);
+  if (!R.BatchLines) return;
+  R.Action.SendStatusMessage(R.Batch);
+  // The host's log copies what it is sent, so the entry is used again: its
+  // list keeps the room the last read needed.
+  R.Batch->Details().Clear();
+  R.BatchLines = false;
 }
 
 void ProcessRunner::TerminateProcess(frame::TZTExecuteAbstractAction& A) {

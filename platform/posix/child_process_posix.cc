@@ -36,10 +36,12 @@ bool MakePipe(int Fds[2], int Size = kPipeSize) {
   return true;
 }
 
-// Reads what Fd holds now. False once the writers have all gone (or on error).
-bool ReadAvailable(int Fd, ChildProcess::Stream S, const ChildProcess::DataSink& Sink) {
+// Reads what Fd holds now, at most a few reads' worth, so that a program
+// that never stops writing still lets the caller see its time-out and stop
+// requests. False once the writers have all gone (or on error).
+bool ReadAvailable(int Fd, ChildProcess::Stream S, const ChildProcess::DataSink& Sink, int MaxReads = 4) {
   static thread_local std::string Buffer(kReadSize, '\0');
-  for (;;) {
+  for (int Reads = 0; Reads < MaxReads; ++Reads) {
     const ssize_t N = read(Fd, Buffer.data(), Buffer.size());
     if (N > 0) {
       Sink(S, Buffer.data(), static_cast<std::size_t>(N));
@@ -50,6 +52,7 @@ bool ReadAvailable(int Fd, ChildProcess::Stream S, const ChildProcess::DataSink&
       return N < 0 && (errno == EAGAIN || errno == EWOULDBLOCK);
     }
   }
+  return true;
 }
 
 }  // namespace
@@ -154,8 +157,11 @@ ChildProcess::Event ChildProcess::Pump(int MaxWaitMs, const DataSink& Sink) {
 }
 
 void ChildProcess::DrainPipes(const DataSink& Sink) {
-  if (OutFd_ >= 0) ReadAvailable(OutFd_, Stream::Output, Sink);
-  if (ErrFd_ >= 0) ReadAvailable(ErrFd_, Stream::Error, Sink);
+  // What the program wrote is in the pipe, which holds one pipe's worth;
+  // reading no more keeps a child that writes on and on from holding us here.
+  constexpr int kPipeReads = kPipeSize / static_cast<int>(kReadSize) + 1;
+  if (OutFd_ >= 0) ReadAvailable(OutFd_, Stream::Output, Sink, kPipeReads);
+  if (ErrFd_ >= 0) ReadAvailable(ErrFd_, Stream::Error, Sink, kPipeReads);
   CloseFd(OutFd_);
   CloseFd(ErrFd_);
 }
