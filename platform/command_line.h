@@ -11,7 +11,7 @@ namespace zt::platform {
 
 // The switch that makes the command interpreter (DOSCMD) run the text that
 // follows it: "-c" for a POSIX shell, "/c" for the Windows interpreter.
-extern const char* const CommandInterpreterSwitch;
+const char* CommandInterpreterSwitch();
 
 // Splits Text into arguments. POSIX: blanks (space, tab, line ends) separate
 // words; '...' keeps everything literally; inside "..." a backslash escapes

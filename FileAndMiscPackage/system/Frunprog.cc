@@ -188,7 +188,7 @@ void TCustomRunProgramAction::GetHiddenProperties(frame::TStrings& List) {
 }
 
 bool TCustomRunDosCMDAction::GetCommandLine(frame::ICommandLineBuilder& Builder) {
-  Builder.AddArgument(pf::CommandInterpreterSwitch, "", frame::akLiteral);
+  Builder.AddArgument(pf::CommandInterpreterSwitch(), "", frame::akLiteral);
   return inherited::GetCommandLine(Builder);
 }
 

@@ -55,7 +55,7 @@ std::string CommandLineBuilder::GetCommandLineText() const {
 std::vector<std::string> CommandLineBuilder::Arguments(bool CommandInterpreter) const {
   std::vector<std::string> Args;
   if (CommandInterpreter && !Arguments_.empty() && Arguments_[0]->GetKind() == frame::akLiteral &&
-      Arguments_[0]->GetName() == platform::CommandInterpreterSwitch) {
+      Arguments_[0]->GetName() == platform::CommandInterpreterSwitch()) {
     std::string Rest;
     for (std::size_t I = 1; I < Arguments_.size(); ++I) {
       if (I > 1) Rest += ' ';

@@ -67,19 +67,22 @@ DWORD ChildProcess::Start(const ChildProcessOptions& Options, std::unique_ptr<Ch
 
   std::unique_ptr<ChildProcess> C(new ChildProcess);
   int Out[2] = {-1, -1}, Err[2] = {-1, -1};
-  auto Target = [](StreamTarget T, int Fds[2]) -> int {
+  bool PipesMade = true;
+  auto Target = [&PipesMade](StreamTarget T, int Fds[2]) -> int {
     if (T == StreamTarget::Null) return posix::kNullFd;
-    if (T == StreamTarget::Pipe) return MakePipe(Fds) ? Fds[1] : posix::kNullFd;
-    return -1;
+    if (T != StreamTarget::Pipe) return -1;
+    PipesMade = PipesMade && MakePipe(Fds);
+    return Fds[1];
   };
   Request.OutputFd = Target(Options.Output, Out);
   Request.ErrorToOutput = Options.Error == StreamTarget::SameAsOutput;
   if (!Request.ErrorToOutput) Request.ErrorFd = Target(Options.Error, Err);
-  if (!MakePipe(C->WakeFds_, 0)) return ErrnoToWindowsError(errno);
+  PipesMade = PipesMade && MakePipe(C->WakeFds_, 0);
+  const DWORD PipeError = PipesMade ? ERROR_SUCCESS : ErrnoToWindowsError(errno);
   fcntl(C->WakeFds_[1], F_SETFL, O_NONBLOCK);
 
   pid_t Pid = -1;
-  const DWORD E = posix::Spawn(Request, Pid);
+  const DWORD E = PipeError ? PipeError : posix::Spawn(Request, Pid);
   CloseFd(Out[1]);
   CloseFd(Err[1]);
   if (E != ERROR_SUCCESS) {
@@ -134,7 +137,10 @@ ChildProcess::Event ChildProcess::Pump(int MaxWaitMs, const DataSink& Sink) {
       Timeout = Left > 0 ? static_cast<int>(Left) : 0;
     }
     if (PidFd_ < 0 && (Timeout < 0 || Timeout > 10)) Timeout = 10;  // no pidfd: look for the end every 10 ms
-    if (poll(Fds, N, Timeout) < 0 && errno != EINTR) return Event::TimedOut;
+    if (poll(Fds, N, Timeout) < 0) {
+      if (errno != EINTR) usleep(10000);  // out of resources for a moment: look again shortly
+      continue;
+    }
 
     if (Fds[WakeAt].revents) {
       char Drain[64];

@@ -6,7 +6,7 @@
 
 namespace zt::platform {
 
-const char* const CommandInterpreterSwitch = "-c";
+const char* CommandInterpreterSwitch() { return "-c"; }
 
 namespace {
 

@@ -59,7 +59,7 @@ class TestProcess {
     }
   }
   ~TestProcess() {
-    if (!Collected_) {
+    if (Pid_ > 0 && !Collected_) {  // never kill(-1) or kill(0)
       kill(Pid_, SIGKILL);
       Wait();
     }
@@ -70,7 +70,7 @@ class TestProcess {
   pid_t Pid() const { return Pid_; }
   // Collects the program; its wait status.
   int Wait() {
-    if (!Collected_) waitpid(Pid_, &Status_, 0);
+    if (Pid_ > 0 && !Collected_) waitpid(Pid_, &Status_, 0);
     Collected_ = true;
     return Status_;
   }
