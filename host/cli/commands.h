@@ -18,11 +18,15 @@ struct CommandOptions {
   std::string Project;
   std::string Package;  // "" = next to the executable
   std::vector<std::string> Vars;  // NAME=VALUE
-  std::string LogJson;
+  std::string LogJson;            // "-" = standard output (the console log then goes to standard error)
   std::string Registry;
+  std::string Color = "auto";     // auto, always, never
+  std::string Annotations;        // "" or "github"
   bool Quiet = false;
+  bool Strict = false;            // run every enabled action's Validate before the first action
   bool Designer = false;
-  std::string Action;  // zt help
+  bool Available = false;         // zt actions: only the types that run
+  std::string Action;             // zt help
 };
 
 int RunCommand(const CommandOptions& O, std::ostream& Err);

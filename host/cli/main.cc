@@ -22,7 +22,14 @@ int main(int argc, char** argv) {
     }
   }
 
-  CLI::App App{"zt: runs build projects made of file, text, process and registry actions"};
+  CLI::App App{"zt: runs build projects made of file, text, process and registry actions", "zt"};
+  App.footer(
+      "Examples:\n"
+      "  zt run release.yml --var VERSION=1.4.2 --log-json build.jsonl\n"
+      "  zt help \"Copy File(s)\"\n"
+      "\n"
+      "Exit codes: 0 success; 1 the build failed (validate: errors found); 2 the project could not be\n"
+      "loaded or the command line is wrong; 130 stopped (Ctrl+C).");
   App.set_version_flag("--version", std::string("zt ") + kZtVersion);
   App.require_subcommand(1);
   CommandOptions O;
@@ -30,16 +37,29 @@ int main(int argc, char** argv) {
     Sub->add_option("--package", O.Package, "the action package to load (default: next to zt)");
   };
 
+  auto AddAnnotations = [&O](CLI::App* Sub) {
+    Sub->add_option("--annotations", O.Annotations, "also write CI annotations for failed actions")
+        ->check(CLI::IsMember({"github"}))
+        ->type_name("github");
+  };
+
   auto* Run = App.add_subcommand("run", "run a project");
   Run->add_option("PROJECT", O.Project, "the project file (YAML or JSON)")->required();
   Run->add_option("--var", O.Vars, "set a variable, overriding the project's initial value")->type_name("NAME=VALUE");
-  Run->add_option("--log-json", O.LogJson, "write the build log as JSON Lines to FILE")->type_name("FILE");
+  Run->add_option("--log-json", O.LogJson, "write the build log as JSON Lines to FILE (- for standard output)")
+      ->type_name("FILE");
   Run->add_flag("--quiet", O.Quiet, "print only failing actions and the summary");
+  Run->add_flag("--strict", O.Strict, "check every enabled action's settings before the first action starts");
+  Run->add_option("--color", O.Color, "colour the console log (default: auto, on a terminal without NO_COLOR)")
+      ->check(CLI::IsMember({"auto", "always", "never"}))
+      ->type_name("WHEN");
+  AddAnnotations(Run);
   Run->add_option("--registry", O.Registry, "the registry store file")->type_name("FILE");
   AddPackage(Run);
 
   auto* Validate = App.add_subcommand("validate", "check every action's settings");
   Validate->add_option("PROJECT", O.Project, "the project file")->required();
+  AddAnnotations(Validate);
   AddPackage(Validate);
 
   auto* Describe = App.add_subcommand("describe", "print the project's action tree");
@@ -48,6 +68,7 @@ int main(int argc, char** argv) {
 
   auto* Actions = App.add_subcommand("actions", "list the action types");
   Actions->add_flag("--designer", O.Designer, "also list property editors and pages");
+  Actions->add_flag("--available", O.Available, "list only the types that run (not those not available yet)");
   AddPackage(Actions);
 
   auto* Help = App.add_subcommand("help", "describe one action type and its properties");

@@ -4,34 +4,42 @@ namespace zt::host {
 
 const char* ResultName(ActionResult R) {
   switch (R) {
-    case ActionResult::Success: return "success";
-    case ActionResult::Failure: return "failure";
-    case ActionResult::Ignored: return "ignored";
-    case ActionResult::Skipped: return "skipped";
+    case ActionResult::Success:
+      return "success";
+    case ActionResult::Failure:
+      return "failure";
+    case ActionResult::Ignored:
+      return "ignored";
+    case ActionResult::Skipped:
+      return "skipped";
   }
   return "";
 }
 
 const char* ResultName(BuildResult R) {
   switch (R) {
-    case BuildResult::Success: return "success";
-    case BuildResult::Failure: return "failure";
-    case BuildResult::Stopped: return "stopped";
+    case BuildResult::Success:
+      return "success";
+    case BuildResult::Failure:
+      return "failure";
+    case BuildResult::Stopped:
+      return "stopped";
   }
   return "";
 }
 
-void BuildLog::BuildStart(const std::string& Project) {
-  Each([&](LogSink& S) { S.BuildStart(Project); });
+void BuildLog::BuildStart(const std::string& Project, const std::string& File) {
+  Each([&](LogSink& S) { S.BuildStart(Project, File); });
 }
 void BuildLog::ActionStart(const std::string& Id, const std::string& Title, const std::string& Class,
-                           const std::string& Description) {
-  Each([&](LogSink& S) { S.ActionStart(Id, Title, Class, Description); });
+                           const std::string& Description, int Line) {
+  Each([&](LogSink& S) { S.ActionStart(Id, Title, Class, Description, Line); });
 }
 void BuildLog::Message(const std::string& Id, const std::string& Text, bool FromHost) {
   Each([&](LogSink& S) { S.Message(Id, Text, FromHost); });
 }
-void BuildLog::Status(const std::string& Id, const std::string& Text, const std::vector<std::string>& Details) {
+void BuildLog::Status(const std::string& Id, const std::string& Text,
+                      const std::vector<std::string>& Details) {
   Each([&](LogSink& S) { S.Status(Id, Text, Details); });
 }
 void BuildLog::Progress(const std::string& Id, const std::string& Text, int Percent) {
@@ -41,14 +49,14 @@ void BuildLog::Iteration(const std::string& Id, int Index, int Count,
                          const std::optional<std::string>& Value) {
   Each([&](LogSink& S) { S.Iteration(Id, Index, Count, Value); });
 }
-void BuildLog::ActionEnd(const std::string& Id, ActionResult Result) {
-  Each([&](LogSink& S) { S.ActionEnd(Id, Result); });
+void BuildLog::ActionEnd(const std::string& Id, ActionResult Result, std::int64_t DurationMs) {
+  Each([&](LogSink& S) { S.ActionEnd(Id, Result, DurationMs); });
 }
 void BuildLog::Variables(const VariableList& Values) {
   Each([&](LogSink& S) { S.Variables(Values); });
 }
-void BuildLog::BuildEnd(BuildResult Result, std::int64_t DurationMs) {
-  Each([&](LogSink& S) { S.BuildEnd(Result, DurationMs); });
+void BuildLog::BuildEnd(BuildResult Result, std::int64_t DurationMs, const std::string& FailedId) {
+  Each([&](LogSink& S) { S.BuildEnd(Result, DurationMs, FailedId); });
 }
 
 }  // namespace zt::host

@@ -24,40 +24,44 @@ const char* ResultName(BuildResult R);   // "success", "failure", "stopped"
 using VariableList = std::vector<std::pair<std::string, frame::TZTVariant>>;
 
 // One destination of the log. Id is the action's path in the tree ("2.1");
-// an empty Id is the build itself.
+// an empty Id is the build itself. File is the project file as the user
+// gave it, Line where the action's mapping starts in it.
 class LogSink {
  public:
   virtual ~LogSink() = default;
-  virtual void BuildStart(const std::string& Project) = 0;
+  virtual void BuildStart(const std::string& Project, const std::string& File) = 0;
   virtual void ActionStart(const std::string& Id, const std::string& Title, const std::string& Class,
-                           const std::string& Description) = 0;
+                           const std::string& Description, int Line) = 0;
   virtual void Message(const std::string& Id, const std::string& Text, bool FromHost) = 0;
-  virtual void Status(const std::string& Id, const std::string& Text, const std::vector<std::string>& Details) = 0;
+  virtual void Status(const std::string& Id, const std::string& Text,
+                      const std::vector<std::string>& Details) = 0;
   virtual void Progress(const std::string& Id, const std::string& Text, int Percent) = 0;
   // A loop's pass Index (1-based) of Count starts; Value is the loop
   // variable's value, none for a loop without one.
   virtual void Iteration(const std::string& Id, int Index, int Count,
                          const std::optional<std::string>& Value) = 0;
-  virtual void ActionEnd(const std::string& Id, ActionResult Result) = 0;
+  virtual void ActionEnd(const std::string& Id, ActionResult Result, std::int64_t DurationMs) = 0;
   virtual void Variables(const VariableList& Values) = 0;
-  virtual void BuildEnd(BuildResult Result, std::int64_t DurationMs) = 0;
+  // FailedId: the action that failed the build (the first to fail), "" when none did.
+  virtual void BuildEnd(BuildResult Result, std::int64_t DurationMs, const std::string& FailedId) = 0;
 };
 
 class BuildLog : public LogSink {
  public:
   void AddSink(std::unique_ptr<LogSink> Sink) { Sinks_.push_back(std::move(Sink)); }
 
-  void BuildStart(const std::string& Project) override;
+  void BuildStart(const std::string& Project, const std::string& File) override;
   void ActionStart(const std::string& Id, const std::string& Title, const std::string& Class,
-                   const std::string& Description) override;
+                   const std::string& Description, int Line) override;
   void Message(const std::string& Id, const std::string& Text, bool FromHost) override;
-  void Status(const std::string& Id, const std::string& Text, const std::vector<std::string>& Details) override;
+  void Status(const std::string& Id, const std::string& Text,
+              const std::vector<std::string>& Details) override;
   void Progress(const std::string& Id, const std::string& Text, int Percent) override;
   void Iteration(const std::string& Id, int Index, int Count,
                  const std::optional<std::string>& Value) override;
-  void ActionEnd(const std::string& Id, ActionResult Result) override;
+  void ActionEnd(const std::string& Id, ActionResult Result, std::int64_t DurationMs) override;
   void Variables(const VariableList& Values) override;
-  void BuildEnd(BuildResult Result, std::int64_t DurationMs) override;
+  void BuildEnd(BuildResult Result, std::int64_t DurationMs, const std::string& FailedId) override;
 
  private:
   template <class Fn>

@@ -7,6 +7,8 @@
 #include <ctime>
 #include <stdexcept>
 
+#include "host/version.h"
+
 namespace zt::host {
 
 using nlohmann::ordered_json;
@@ -20,18 +22,6 @@ std::string UtcNow() {
   char Buf[32];
   std::strftime(Buf, sizeof Buf, "%Y-%m-%dT%H:%M:%SZ", &Tm);
   return Buf;
-}
-
-ordered_json Event(const char* Name) {
-  ordered_json E;
-  E["event"] = Name;
-  return E;
-}
-
-ordered_json ActionEvent(const char* Name, const std::string& Id) {
-  ordered_json E = Event(Name);
-  if (!Id.empty()) E["id"] = Id;
-  return E;
 }
 
 // Bytes a JSON string cannot hold as they are: controls, quote, backslash,
@@ -104,13 +94,23 @@ ordered_json JsonValue(const frame::TZTVariant& V) {
 }
 
 JsonLog::~JsonLog() {
-  if (Out_) std::fclose(Out_);
+  if (Out_ && Owned_) std::fclose(Out_);
 }
 
 std::unique_ptr<JsonLog> JsonLog::Open(const std::string& Path) {
+  if (Path == "-") return std::make_unique<JsonLog>(stdout, /*Owned=*/false);
   std::FILE* F = std::fopen(Path.c_str(), "w");
-  if (!F) throw std::runtime_error(Path + ": cannot write the log: " + std::strerror(errno));
+  if (!F) throw std::runtime_error("cannot write the JSON log " + Path + ": " + std::strerror(errno));
   return std::make_unique<JsonLog>(F);
+}
+
+ordered_json JsonLog::Event(const char* Name, const std::string& Id) const {
+  ordered_json E;
+  E["event"] = Name;
+  if (!Id.empty()) E["id"] = Id;
+  E["t_ms"] = std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - Start_)
+                  .count();
+  return E;
 }
 
 void JsonLog::Write(const ordered_json& E) {
@@ -121,35 +121,43 @@ void JsonLog::Write(const ordered_json& E) {
 }
 
 void JsonLog::WriteLine(const std::string& Line) {
-  std::fwrite(Line.data(), 1, Line.size(), Out_);
-  std::fflush(Out_);
+  if (!WriteError_.empty()) return;
+  if (std::fwrite(Line.data(), 1, Line.size(), Out_) != Line.size() || std::fflush(Out_) != 0)
+    WriteError_ = std::strerror(errno);
 }
 
-void JsonLog::BuildStart(const std::string& Project) {
+void JsonLog::BuildStart(const std::string& Project, const std::string& File) {
+  Start_ = std::chrono::steady_clock::now();
+  File_ = File;
   ordered_json E = Event("build-start");
   E["project"] = Project;
   E["time"] = UtcNow();
+  E["file"] = File;
+  E["zt"] = kZtVersion;
+  E["schema"] = kJsonLogSchema;
   Write(E);
 }
 
 void JsonLog::ActionStart(const std::string& Id, const std::string& Title, const std::string& Class,
-                          const std::string& Description) {
-  ordered_json E = ActionEvent("action-start", Id);
+                          const std::string& Description, int Line) {
+  ordered_json E = Event("action-start", Id);
   E["title"] = Title;
   E["class"] = Class;
   E["description"] = Description;
+  E["file"] = File_;
+  E["line"] = Line;
   Write(E);
 }
 
 void JsonLog::Message(const std::string& Id, const std::string& Text, bool FromHost) {
-  ordered_json E = ActionEvent("message", Id);
+  ordered_json E = Event("message", Id);
   E["text"] = Text;
   if (FromHost) E["host"] = true;
   Write(E);
 }
 
 void JsonLog::Status(const std::string& Id, const std::string& Text, const std::vector<std::string>& Details) {
-  ordered_json E = ActionEvent("status", Id);
+  ordered_json E = Event("status", Id);
   E["text"] = Text;
   // The details are written straight into the line: a program's output can be millions of lines.
   std::string Line = E.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
@@ -161,7 +169,7 @@ void JsonLog::Status(const std::string& Id, const std::string& Text, const std::
 }
 
 void JsonLog::Progress(const std::string& Id, const std::string& Text, int Percent) {
-  ordered_json E = ActionEvent("progress", Id);
+  ordered_json E = Event("progress", Id);
   E["text"] = Text;
   E["percent"] = Percent;
   Write(E);
@@ -169,16 +177,17 @@ void JsonLog::Progress(const std::string& Id, const std::string& Text, int Perce
 
 void JsonLog::Iteration(const std::string& Id, int Index, int Count,
                         const std::optional<std::string>& Value) {
-  ordered_json E = ActionEvent("iteration", Id);
+  ordered_json E = Event("iteration", Id);
   E["index"] = Index;
   E["count"] = Count;
   if (Value) E["value"] = *Value;
   Write(E);
 }
 
-void JsonLog::ActionEnd(const std::string& Id, ActionResult Result) {
-  ordered_json E = ActionEvent("action-end", Id);
+void JsonLog::ActionEnd(const std::string& Id, ActionResult Result, std::int64_t DurationMs) {
+  ordered_json E = Event("action-end", Id);
   E["result"] = ResultName(Result);
+  E["duration_ms"] = DurationMs;
   Write(E);
 }
 
@@ -190,10 +199,11 @@ void JsonLog::Variables(const VariableList& Values) {
   Write(E);
 }
 
-void JsonLog::BuildEnd(BuildResult Result, std::int64_t DurationMs) {
+void JsonLog::BuildEnd(BuildResult Result, std::int64_t DurationMs, const std::string& FailedId) {
   ordered_json E = Event("build-end");
   E["result"] = ResultName(Result);
   E["duration_ms"] = DurationMs;
+  if (!FailedId.empty()) E["failed"] = FailedId;
   Write(E);
 }
 

@@ -27,9 +27,33 @@ std::size_t EditDistance(const std::string& A, const std::string& B) {
   return Row[B.size()];
 }
 
+bool IsWordChar(char C) { return std::isalnum(static_cast<unsigned char>(C)) != 0; }
+
+// Where Word stands in Name as a whole word (letter case ignored), or npos.
+std::size_t WordPosition(const std::string& Word, const std::string& Name) {
+  for (std::size_t At = 0; At + Word.size() <= Name.size(); ++At) {
+    if (strncasecmp(Name.c_str() + At, Word.c_str(), Word.size()) != 0) continue;
+    bool Before = At == 0 || !IsWordChar(Name[At - 1]);
+    bool After = At + Word.size() == Name.size() || !IsWordChar(Name[At + Word.size()]);
+    if (Before && After) return At;
+  }
+  return std::string::npos;
+}
+
 }  // namespace
 
 std::string NearestName(const std::string& Word, const std::vector<std::string>& Candidates) {
+  // A name that holds the word ("copy" in "Copy File(s)") is what the user meant, however far
+  // the spelling is; one that starts with it first.
+  if (Word.size() >= 3) {
+    std::string Holder;
+    for (const auto& C : Candidates) {
+      std::size_t At = WordPosition(Word, C);
+      if (At == 0) return C;
+      if (At != std::string::npos && Holder.empty()) Holder = C;
+    }
+    if (!Holder.empty()) return Holder;
+  }
   std::string Best;
   std::size_t BestDistance = std::max<std::size_t>(Word.size() / 2, 2) + 1;
   for (const auto& C : Candidates) {

@@ -6,9 +6,11 @@
 
 namespace zt::host {
 
-// The candidate closest to Word by edit distance (letter case ignored), or ""
-// when there are no candidates or none is within half of Word's length;
-// failing that, the first candidate that Word begins.
+// The candidate that holds Word (three letters or more) as a whole word,
+// one that starts with it first ("copy": "Copy File(s)"); failing that, the
+// candidate closest to Word by edit distance (letter case ignored) within
+// half of Word's length; failing that, the first candidate that Word begins;
+// or "" when none fits.
 std::string NearestName(const std::string& Word, const std::vector<std::string>& Candidates);
 
 // "; did you mean \"X\"?" for the nearest candidate, or "" when there is none.

@@ -28,8 +28,7 @@ const std::vector<std::string> kFileSetKeys = {"base", "include", "exclude"};
 
 std::string JoinedLines(const std::string& File, const std::vector<LoadError>& Errors) {
   std::string R;
-  for (const auto& E : Errors)
-    R += (R.empty() ? "" : "\n") + File + (E.Line ? ":" + std::to_string(E.Line) : "") + ": " + E.Text;
+  for (const auto& E : Errors) R += (R.empty() ? "" : "\n") + ErrorLine(File, E);
   return R;
 }
 
@@ -273,7 +272,7 @@ class Loader {
   std::vector<LoadError> Errors_;
 };
 
-int ErrorLine(const YAML::Exception& E) { return E.mark.is_null() ? 0 : E.mark.line + 1; }
+int LineOfError(const YAML::Exception& E) { return E.mark.is_null() ? 0 : E.mark.line + 1; }
 
 void CollectUnavailable(const std::vector<ActionNode>& Nodes, std::vector<LoadError>& Out) {
   for (const auto& N : Nodes) {
@@ -288,10 +287,8 @@ void CollectUnavailable(const std::vector<ActionNode>& Nodes, std::vector<LoadEr
 ProjectError::ProjectError(const std::string& File, std::vector<LoadError> Errors)
     : std::runtime_error(JoinedLines(File, Errors)), File_(File), Errors_(std::move(Errors)) {}
 
-std::vector<std::string> ProjectError::Lines() const {
-  std::vector<std::string> R;
-  for (const auto& E : Errors_) R.push_back(JoinedLines(File_, {E}));
-  return R;
+std::string ErrorLine(const std::string& File, const LoadError& E) {
+  return File + (E.Line ? ":" + std::to_string(E.Line) : "") + ": " + E.Text;
 }
 
 Project LoadProjectText(const std::string& Text, const std::string& FileName,
@@ -300,17 +297,17 @@ Project LoadProjectText(const std::string& Text, const std::string& FileName,
   try {
     Root = YAML::Load(Text);
   } catch (const YAML::DeepRecursion& E) {
-    throw ProjectError(FileName, {{ErrorLine(E), "the project is nested more than " +
+    throw ProjectError(FileName, {{LineOfError(E), "the project is nested more than " +
                                                      std::to_string(kMaxYamlDepth) + " levels deep"}});
   } catch (const YAML::Exception& E) {
-    throw ProjectError(FileName, {{ErrorLine(E), E.msg}});
+    throw ProjectError(FileName, {{LineOfError(E), E.msg}});
   }
   try {
     Project P = Loader(FileName, Registry).Load(Root);
     P.FileName = FileName;
     return P;
   } catch (const YAML::Exception& E) {
-    throw ProjectError(FileName, {{ErrorLine(E), E.msg}});
+    throw ProjectError(FileName, {{LineOfError(E), E.msg}});
   }
 }
 

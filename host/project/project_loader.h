@@ -17,6 +17,9 @@ struct LoadError {
   std::string Text;
 };
 
+// "file:line: text" ("file: text" without a line).
+std::string ErrorLine(const std::string& File, const LoadError& E);
+
 // The project cannot be loaded. The loader goes on after an error where it
 // can, so one ProjectError holds every error found, in line order.
 class ProjectError : public std::runtime_error {
@@ -24,8 +27,6 @@ class ProjectError : public std::runtime_error {
   ProjectError(const std::string& File, std::vector<LoadError> Errors);
   const std::string& File() const { return File_; }
   const std::vector<LoadError>& Errors() const { return Errors_; }
-  // "file:line: text" per error ("file: text" without a line).
-  std::vector<std::string> Lines() const;
 
  private:
   std::string File_;

@@ -21,6 +21,10 @@ class LogEntry : public frame::IZTActionLogMessage {
   std::string Text_;
 };
 
+std::int64_t MillisecondsSince(std::chrono::steady_clock::time_point Start) {
+  return std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - Start).count();
+}
+
 }  // namespace
 
 Runner::Runner(Project& P, BuildLog& Log, const VariableList& Overrides)
@@ -40,18 +44,18 @@ Runner::Runner(Project& P, BuildLog& Log, const VariableList& Overrides)
 
 BuildResult Runner::Run() {
   auto Start = std::chrono::steady_clock::now();
-  Log_.BuildStart(Project_.Name);
+  Log_.BuildStart(Project_.Name, Project_.FileName);
   ForEachAction(Project_.Actions, [](ActionNode& N, int) { N.Action->ResetBuildStatus(); });
   BuildResult Result = RunActionList(*this, Project_.Actions) == ListResult::Failed ? BuildResult::Failure
                                                                                     : BuildResult::Success;
   if (Stop_) Result = BuildResult::Stopped;
   Log_.Variables(Vars_.Project());
-  auto Ms = std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - Start);
-  Log_.BuildEnd(Result, Ms.count());
+  Log_.BuildEnd(Result, MillisecondsSince(Start), Result == BuildResult::Failure ? FailedId_ : "");
   return Result;
 }
 
 ActionResult Runner::RunAction(ActionNode& Node) {
+  auto Start = std::chrono::steady_clock::now();
   frame::TZTAction& A = *Node.Action;
   std::string Description;
   try {
@@ -59,9 +63,9 @@ ActionResult Runner::RunAction(ActionNode& Node) {
   } catch (const std::exception& E) {
     Description = A.GetTitle();
   }
-  Log_.ActionStart(Node.Id, A.GetTitle(), A.GetClass().ClassName, Description);
+  Log_.ActionStart(Node.Id, A.GetTitle(), A.GetClass().ClassName, Description, Node.Line);
   if (!Node.Enabled) {
-    Log_.ActionEnd(Node.Id, ActionResult::Skipped);
+    Log_.ActionEnd(Node.Id, ActionResult::Skipped, 0);
     return ActionResult::Skipped;
   }
   bool Ok = false;
@@ -83,7 +87,11 @@ ActionResult Runner::RunAction(ActionNode& Node) {
     Running_ = Outer;
   }
   ActionResult R = Ok ? ActionResult::Success : Node.IgnoreFailure ? ActionResult::Ignored : ActionResult::Failure;
-  Log_.ActionEnd(Node.Id, R);
+  // The build's failure is the deepest: a loop fails after its child, and an ignored loop absorbs it.
+  bool Inner = FailedId_.rfind(Node.Id + ".", 0) == 0;
+  if (R == ActionResult::Failure && !Inner) FailedId_ = Node.Id;
+  if (R != ActionResult::Failure && Inner) FailedId_.clear();
+  Log_.ActionEnd(Node.Id, R, MillisecondsSince(Start));
   return R;
 }
 

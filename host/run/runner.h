@@ -76,6 +76,7 @@ class Runner : public frame::IZTActionHost {
   ProjectObjects Objects_;  // the project's file sets; they log through the asking action
   ProcessRunner Processes_;
   std::unordered_map<const frame::TZTAction*, ActionNode*> Nodes_;
+  std::string FailedId_;  // the action whose failure fails the build
   std::atomic<bool> Stop_{false};
   std::mutex RunningMutex_;  // guards Running_ against RequestStop from another thread
   frame::TZTAction* Running_ = nullptr;  // the innermost running action

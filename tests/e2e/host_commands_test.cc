@@ -1,4 +1,6 @@
 // zt validate, describe, actions and help, and the command line itself.
+#include <algorithm>
+
 #include <gtest/gtest.h>
 
 #include "ZtRunner.h"
@@ -12,7 +14,9 @@ actions:
   - action: Delete File(s)
     title: Clean
     FileSpec: out/*.o
+    ignoreFailure: true
   - action: TDeleteFilesAction
+    enabled: false
   - action: File Iterator
     title: Parent
     actions:
@@ -44,8 +48,8 @@ TEST(HostCommandsTest, DescribePrintsTheTreeIndentedByDepth) {
   ZtResult R = RunZt(D.Path(), kTree, {}, "describe");
   EXPECT_EQ(R.ExitCode, 0) << R.Stderr;
   EXPECT_EQ(R.Stdout,
-            "Clean [ out/*.o ]\n"
-            "Delete File(s) [  ]\n"
+            "Clean [ out/*.o ] [ignore failure]\n"
+            "Delete File(s) [  ] [disabled]\n"
             "File Iterator [  ]\n"  // the file iterator's description names the type, not the title
             "  Delete File(s) [ x ]\n"
             "  Delete File(s) [  ]\n");
@@ -62,12 +66,17 @@ TEST(HostCommandsTest, ActionsListsTypesInRegistrationOrderAndMarksUnavailable) 
   EXPECT_EQ(Lines[4].rfind("Files & Directories  Delete File(s) ", 0), 0u) << Lines[4];
   EXPECT_NE(Lines[4].find(" TDeleteFilesAction "), std::string::npos);
   EXPECT_EQ(Lines[4].find("not available yet"), std::string::npos);
+  std::size_t Unavailable = 0;
   for (const auto& L : Lines) {
     auto Mark = L.find("(not available yet)");
     if (Mark != std::string::npos) {
       EXPECT_EQ(Mark + 19, L.size()) << L;
+      ++Unavailable;
     }
   }
+  R = RunZtArgs(D.Path(), {"actions", "--available"});
+  EXPECT_EQ(R.Stdout.find("not available yet"), std::string::npos);
+  EXPECT_EQ(static_cast<std::size_t>(std::count(R.Stdout.begin(), R.Stdout.end(), '\n')), 51 - Unavailable);
 }
 
 TEST(HostCommandsTest, ActionsDesignerAddsEditorsAndPagesBelowEachType) {
@@ -100,6 +109,8 @@ TEST(HostCommandsTest, MisspeltCommandsAndActionsGetDidYouMean) {
   R = RunZtArgs(D.Path(), {"help", "Delete File"});
   EXPECT_EQ(R.ExitCode, 2);
   EXPECT_EQ(R.Stderr, "zt: unknown action \"Delete File\"; did you mean \"Delete File(s)\"?\n");
+  R = RunZtArgs(D.Path(), {"help", "copy"});  // the name that holds the word, not the nearest spelling (XCopy)
+  EXPECT_EQ(R.Stderr, "zt: unknown action \"copy\"; did you mean \"Copy File(s)\"?\n");
 }
 
 TEST(HostCommandsTest, VersionAndHelpWorkEverywhere) {
@@ -107,6 +118,11 @@ TEST(HostCommandsTest, VersionAndHelpWorkEverywhere) {
   ZtResult R = RunZtArgs(D.Path(), {"--version"});
   EXPECT_EQ(R.ExitCode, 0);
   EXPECT_EQ(R.Stdout, "zt 0.1.0\n");
+  R = RunZtArgs(D.Path(), {"--help"});
+  EXPECT_EQ(R.Stdout.rfind("zt: runs build projects", 0), 0u) << R.Stdout;
+  EXPECT_NE(R.Stdout.find("Usage: zt [OPTIONS]"), std::string::npos) << R.Stdout;
+  EXPECT_NE(R.Stdout.find("\nExamples:\n  zt run release.yml"), std::string::npos);
+  EXPECT_NE(R.Stdout.find("130 stopped (Ctrl+C).\n"), std::string::npos);
   R = RunZtArgs(D.Path(), {"run", "--help"});
   EXPECT_EQ(R.ExitCode, 0);
   EXPECT_NE(R.Stdout.find("--log-json"), std::string::npos);

@@ -2,6 +2,7 @@
 // it cannot write) and one line per error naming the file and line.
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <fstream>
 
 #include "ZtRunner.h"
@@ -110,6 +111,24 @@ TEST(HostLoadTest, ChildrenUnderAnActionThatTakesNoneAreALoadError) {
   EXPECT_EQ(R.ExitCode, 2);
   EXPECT_EQ(R.Stderr,
             "project.yml:4: Touch File(s) takes no child actions (only loops and flow-control actions do)\n");
+}
+
+TEST(HostLoadTest, StrictRunValidatesEveryEnabledActionBeforeTheFirstStarts) {
+  TempDir D;
+  const char* Yaml = R"(actions:
+  - action: Create Directory
+    FileOrDirectory: made
+  - action: Delete File(s)
+  - action: Delete File(s)
+    enabled: false
+)";
+  ZtResult R = RunZt(D.Path(), Yaml, {"--strict"});
+  EXPECT_EQ(R.ExitCode, 2);
+  EXPECT_EQ(R.Stderr, "2 Delete File(s): File Spec: The file spec has not been set\n");
+  EXPECT_FALSE(std::filesystem::exists(D / "made"));
+  R = RunZt(D.Path(), Yaml);  // without --strict the action handles its settings when it runs
+  EXPECT_EQ(R.ExitCode, 1);
+  EXPECT_TRUE(std::filesystem::exists(D / "made"));
 }
 
 TEST(HostLoadTest, VarNamesMustBeVariableNames) {

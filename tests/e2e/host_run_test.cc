@@ -35,9 +35,10 @@ actions:
   EXPECT_EQ(ActionResult(R, "1"), "success");
   ASSERT_EQ(R.Events.size(), 6u);
   EXPECT_EQ(R.Events[0]["project"], "Clean");
+  R.Events[1].erase("t_ms");
   EXPECT_EQ(R.Events[1], nlohmann::json::parse(R"j({"event":"action-start","id":"1","title":"Delete File(s)",
-      "class":"TDeleteFilesAction","description":"Delete File(s) [ %DIR%/*.txt ]"})j"));
-  EXPECT_EQ(R.Events[4], nlohmann::json::parse(R"({"event":"variables","values":{"DIR":"sub"}})"));
+      "class":"TDeleteFilesAction","description":"Delete File(s) [ %DIR%/*.txt ]","file":"project.yml","line":6})j"));
+  EXPECT_EQ(R.Events[4]["values"], nlohmann::json::parse(R"({"DIR":"sub"})"));
   EXPECT_EQ(R.Events[5]["result"], "success");
   EXPECT_NE(R.Stdout.find("Build succeeded: 1 action in "), std::string::npos) << R.Stdout;
 }
@@ -54,6 +55,46 @@ TEST(HostRunTest, VarOnTheCommandLineOverridesTheProjectValue) {
   EXPECT_TRUE(fs::exists(D / "keep/a.txt"));
   EXPECT_FALSE(fs::exists(D / "other/a.txt"));
   EXPECT_EQ(R.Events[R.Events.size() - 2]["values"], nlohmann::json::parse(R"({"DIR":"other","N":5})"));
+}
+
+// The JSON log on standard output, with the fields CI tools read; the console
+// log moves to standard error and ends where a reader looks for the reason.
+TEST(HostRunTest, JsonLogOnStandardOutputCarriesTimesLinesAndTheFailedAction) {
+  TempDir D;
+  std::ofstream(D / "project.yml") << R"(name: Fields
+actions:
+  - action: Create Directory
+    FileOrDirectory: out
+  - action: Delete File(s)
+    title: Clean temporary files
+    FileSpec: nothing/*.tmp
+)";
+  ZtResult R = RunZtArgs(D.Path(), {"run", "project.yml", "--log-json", "-", "--annotations", "github"});
+  EXPECT_EQ(R.ExitCode, 1) << R.Stderr;
+  std::vector<nlohmann::json> Events;
+  for (std::size_t S = 0, E; (E = R.Stdout.find('\n', S)) != std::string::npos; S = E + 1)
+    Events.push_back(nlohmann::json::parse(R.Stdout.substr(S, E - S)));
+  ASSERT_EQ(Events.size(), 9u) << R.Stdout;
+  std::int64_t Last = 0;
+  for (const auto& E : Events) {
+    ASSERT_TRUE(E["t_ms"].is_number_integer()) << E;
+    EXPECT_GE(E["t_ms"].get<std::int64_t>(), Last) << E;
+    Last = E["t_ms"];
+    if (E["event"] == "action-end") {
+      EXPECT_TRUE(E["duration_ms"].is_number_integer()) << E;
+    }
+  }
+  EXPECT_EQ(Events[0]["file"], "project.yml");
+  EXPECT_EQ(Events[0]["zt"], "0.1.0");
+  EXPECT_EQ(Events[0]["schema"], 1);
+  EXPECT_EQ(Events[4]["id"], "2");
+  EXPECT_EQ(Events[4]["file"], "project.yml");
+  EXPECT_EQ(Events[4]["line"], 5);
+  EXPECT_EQ(Events[8]["failed"], "2");
+  EXPECT_NE(R.Stderr.find("\nproject.yml:5: [2] Clean temporary files: 0 Files Deleted.\n"
+                          "::error file=project.yml,line=5,title=[2] Clean temporary files::0 Files Deleted.\n"),
+            std::string::npos)
+      << R.Stderr;
 }
 
 TEST(HostRunTest, RunsInTheProjectFolderWhereverStarted) {
@@ -93,8 +134,7 @@ actions:
   EXPECT_TRUE(fs::exists(D / "a.txt"));
   EXPECT_TRUE(fs::exists(D / "b.txt"));
   EXPECT_EQ(R.Events.back()["result"], "failure");
-  EXPECT_NE(R.Stdout.find("Build FAILED at [3] Must fail: 3 actions (1 ignored, 1 skipped) in "), std::string::npos)
-      << R.Stdout;
+  EXPECT_NE(R.Stdout.find("\nBuild FAILED: 3 actions (1 ignored, 1 skipped) in "), std::string::npos) << R.Stdout;
 }
 
 // Display name of the first type `zt actions` marks as not available yet, or "".
@@ -109,14 +149,37 @@ std::string FirstUnavailableAction(const std::string& Dir) {
   return "";
 }
 
-TEST(HostRunTest, ActionNotAvailableYetFailsWithOneLine) {
+// A type not built yet can never succeed: refused before an earlier action changes anything.
+TEST(HostRunTest, ProjectUsingATypeNotAvailableYetIsRefusedBeforeAnythingRuns) {
   TempDir D;
   std::string Name = FirstUnavailableAction(D.Path());
   if (Name.empty()) GTEST_SKIP() << "every action type is available";
-  ZtResult R = RunZt(D.Path(), "actions:\n  - action: \"" + Name + "\"\n");
+  std::string Yaml = "actions:\n  - action: Create Directory\n    FileOrDirectory: made\n  - action: \"" + Name + "\"\n";
+  ZtResult R = RunZt(D.Path(), Yaml);
+  EXPECT_EQ(R.ExitCode, 2);
+  EXPECT_EQ(R.Stderr, "project.yml:4: " + Name + " is not available yet\n");
+  EXPECT_FALSE(fs::exists(D / "made"));
+  EXPECT_TRUE(R.Events.empty());
+  R = RunZt(D.Path(), "", {}, "validate");
   EXPECT_EQ(R.ExitCode, 1);
-  EXPECT_EQ(Messages(R, "1"), (std::vector<std::string>{Name + " is not available yet"}));
-  EXPECT_EQ(ActionResult(R, "1"), "failure");
+  EXPECT_EQ(R.Stdout, "project.yml:4: " + Name + " is not available yet\n");
+  R = RunZt(D.Path(), Yaml + "    enabled: false\n");
+  EXPECT_EQ(R.ExitCode, 0) << R.Stderr;
+}
+
+// A build log that is lost is a failed run: one line says so, whatever the build did.
+TEST(HostRunTest, JsonLogThatCannotBeWrittenExitsOneWithOneLine) {
+  TempDir D;
+  std::ofstream(D / "project.yml") << "actions:\n  - action: Create Directory\n    FileOrDirectory: made\n";
+  ZtResult R = RunZtArgs(D.Path(), {"run", "project.yml", "--log-json", "/dev/full", "--quiet"});
+  EXPECT_EQ(R.ExitCode, 1);
+  EXPECT_EQ(R.Stderr, "zt: cannot write the JSON log /dev/full: No space left on device\n");
+  EXPECT_TRUE(fs::exists(D / "made"));
+  fs::remove(D / "made");
+  R = RunZtArgs(D.Path(), {"run", "project.yml", "--log-json", "no-dir/log.jsonl"});
+  EXPECT_EQ(R.ExitCode, 1);
+  EXPECT_EQ(R.Stderr, "zt: cannot write the JSON log no-dir/log.jsonl: No such file or directory\n");
+  EXPECT_FALSE(fs::exists(D / "made"));
 }
 
 TEST(HostRunTest, MissingPackageExitsTwo) {

@@ -83,16 +83,5 @@ TEST(RegistrationEndToEnd, DesignerPaletteAddsEditorsAndPagesUnderTheirAction) {
   EXPECT_EQ(Out[At + 3], "    page TDeleteFilesFrame");
 }
 
-TEST(RegistrationEndToEnd, UnbuiltTypeFailsWithOneLine) {
-  TempDir Dir;
-  ZtResult R = RunZt(Dir.Path(), R"(name: Later
-actions:
-  - action: JPEG Lossless Transform
-)");
-  EXPECT_EQ(R.ExitCode, 1) << R.Stderr;
-  EXPECT_EQ(Messages(R, "1"), Lines{"JPEG Lossless Transform is not available yet"});
-  EXPECT_EQ(ActionResult(R, "1"), "failure");
-}
-
 }  // namespace
 }  // namespace zt::testing
