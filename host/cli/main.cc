@@ -40,7 +40,7 @@ int main(int argc, char** argv) {
   auto AddAnnotations = [&O](CLI::App* Sub) {
     Sub->add_option("--annotations", O.Annotations, "also write CI annotations for failed actions")
         ->check(CLI::IsMember({"github"}))
-        ->type_name("github");
+        ->type_name("FORMAT");
   };
 
   auto* Run = App.add_subcommand("run", "run a project");
