@@ -44,8 +44,6 @@ frame::TZTActionClass MakePlaceholderClass(const char* Name, const frame::TZTAct
   };
 
 #define ZT_PLACEHOLDER(Cls, DisplayName) ZT_PLACEHOLDER_CLASS(Cls, TZTPlaceholderAction, false, DisplayName)
-// A stand-in for the common base of several registered types.
-#define ZT_PLACEHOLDER_BASE(Cls) ZT_PLACEHOLDER_CLASS(Cls, TZTPlaceholderAction, true, "Action")
 
 // --- Stand-ins, in registration order ---
 ZT_PLACEHOLDER(TDeleteDirectoryAction, "Delete Directory")
@@ -54,10 +52,6 @@ ZT_PLACEHOLDER(TZTScriptAction, "Run Script")
 ZT_PLACEHOLDER(TConcatAction, "Concatenate Files")
 ZT_PLACEHOLDER(TDiskInfoAction, "Get Disk Free Space")
 ZT_PLACEHOLDER(TDateTimeAction, "Get Date/Time")
-ZT_PLACEHOLDER_BASE(TCustomRegAction)
-ZT_PLACEHOLDER_CLASS(TReadRegValueAction, TCustomRegAction, false, "Read Registry Value")
-ZT_PLACEHOLDER_CLASS(TSetRegValueAction, TCustomRegAction, false, "Set Registry Value")
-ZT_PLACEHOLDER_CLASS(TDeleteRegValueAction, TCustomRegAction, false, "Delete Registry Value")
 ZT_PLACEHOLDER(TRenameDirAction, "Rename File or Directory")
 ZT_PLACEHOLDER(TZTCreateTextFileAction, "Create Text File")
 ZT_PLACEHOLDER(TZTWriteToTextFileAction, "Write to Text File")

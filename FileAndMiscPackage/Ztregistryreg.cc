@@ -2,8 +2,8 @@
 
 #include <cstdint>
 
-#include "Ztplaceholders.h"
 #include "Ztservices.h"
+#include "system/Ztregaction.h"
 
 namespace zt::package {
 
@@ -27,7 +27,7 @@ void RegisterActions(bool Designing) {
   if (!Designing) return;
   Actions.RegisterPropertyEditor("string", TReadRegValueAction::ClassType(), "ZTVariable",
                                  "TVariablesListPropertyEditor");
-  Actions.RegisterPropertyEditor("HKEY", TCustomRegAction::ClassType(), "RegRoot", "TRegRootPropertyEditor");
+  Actions.RegisterPropertyEditor("HKEY", TCustomRegAction::ClassType(), "RegRoot", TRegRootPropertyEditor::ClassName);
   Actions.RegisterActionPages(TReadRegValueAction::ClassType(), {"TReadRegistryFrame"});
   Actions.RegisterActionPages(TSetRegValueAction::ClassType(), {"TReadRegistryFrame"});
   Actions.RegisterActionPages(TDeleteRegValueAction::ClassType(), {"TReadRegistryFrame"});

@@ -10,6 +10,7 @@
 #include <stdexcept>
 #include <string>
 
+#include "platform/conversions.h"  // EConvertError
 #include "platform/win_types.h"
 
 namespace zt::platform {
@@ -19,12 +20,6 @@ struct TGUID {
   std::uint16_t D2 = 0, D3 = 0;
   std::uint8_t D4[8] = {};
   bool operator==(const TGUID& O) const;
-};
-
-// Delphi's conversion error: "'<text>' is not a valid GUID value".
-class EConvertError : public std::runtime_error {
- public:
-  using std::runtime_error::runtime_error;
 };
 
 // A failed COM call; Code is its HRESULT.
@@ -37,7 +32,8 @@ constexpr DWORD REGDB_E_CLASSNOTREG = 0x80040154;  // "Class not registered"
 constexpr DWORD CO_E_CLASSSTRING = 0x800401F3;     // "Invalid class string"
 
 // "{XXXXXXXX-XXXX-XXXX-XXXX-XXXXXXXXXXXX}" (hexadecimal digits in any case)
-// to a GUID; anything else raises EConvertError.
+// to a GUID; anything else raises EConvertError
+// ("'<text>' is not a valid GUID value").
 TGUID StringToGUID(const std::string& S);
 std::string GUIDToString(const TGUID& G);  // upper-case digits, in braces
 

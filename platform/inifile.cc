@@ -113,45 +113,7 @@ std::string AsciiLower(std::string_view S) {
   return R;
 }
 
-int HexDigit(char C) {
-  if (C >= '0' && C <= '9') return C - '0';
-  if (C >= 'a' && C <= 'f') return C - 'a' + 10;
-  if (C >= 'A' && C <= 'F') return C - 'A' + 10;
-  return -1;
-}
-
 }  // namespace
-
-bool TryStrToInt(const std::string& S, int& Value) {
-  std::size_t I = 0;
-  const std::size_t N = S.size();
-  while (I < N && S[I] == ' ') ++I;
-  bool Neg = false;
-  if (I < N && (S[I] == '+' || S[I] == '-')) Neg = S[I++] == '-';
-  bool Hex = false;
-  if (I < N && (S[I] == '$' || S[I] == 'x' || S[I] == 'X')) {
-    Hex = true, I += 1;
-  } else if (I + 1 < N && S[I] == '0' && (S[I + 1] == 'x' || S[I + 1] == 'X')) {
-    Hex = true, I += 2;
-  }
-  if (I >= N) return false;
-  const std::uint64_t Limit = Hex ? 0xFFFFFFFFu : (Neg ? 2147483648u : 2147483647u);
-  std::uint64_t V = 0;
-  for (; I < N; ++I) {
-    int D = HexDigit(S[I]);
-    if (D < 0 || (!Hex && D > 9)) return false;
-    V = V * (Hex ? 16 : 10) + static_cast<unsigned>(D);
-    if (V > Limit) return false;
-  }
-  auto U = static_cast<std::uint32_t>(V);
-  Value = static_cast<std::int32_t>(Neg ? 0u - U : U);
-  return true;
-}
-
-int StrToIntDef(const std::string& S, int Default) {
-  int V;
-  return TryStrToInt(S, V) ? V : Default;
-}
 
 std::string TIniFile::ReadString(const std::string& Section, const std::string& Ident,
                                  const std::string& Default) const {

@@ -12,6 +12,8 @@
 #include <string>
 #include <vector>
 
+#include "platform/conversions.h"  // TryStrToInt, StrToIntDef
+
 namespace zt::platform {
 
 // Raised by the writing operations; the message is "Unable to write to "
@@ -20,13 +22,6 @@ class EIniFileException : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
 };
-
-// Delphi's StrToInt rules for a 32-bit Integer: leading blanks, an optional
-// sign, then decimal digits or hexadecimal after "$", "x" or "0x" (up to
-// $FFFFFFFF, which reads as -1). False, with Value untouched, for anything
-// else: trailing blanks, an empty text, or a number out of range.
-bool TryStrToInt(const std::string& S, int& Value);
-int StrToIntDef(const std::string& S, int Default);
 
 class TIniFile {
  public:

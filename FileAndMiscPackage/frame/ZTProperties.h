@@ -3,6 +3,7 @@
 // that one description to load projects, print help, serve scripts and save.
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <string>
 #include <type_traits>
@@ -32,6 +33,10 @@ struct TZTPropInfo {
   TZTPropertyKind Kind = TZTPropertyKind::String;
   std::string TypeName;                // "WideString", "Boolean", "TFileExistsMode" ...
   std::vector<std::string> EnumNames;  // Enumeration and Set only
+  // Integer only: names that stand for values (a root key's handle by its
+  // name), compared exactly. A project may write a name or the number;
+  // listings show the name.
+  std::vector<std::pair<std::string, std::int64_t>> ValueNames;
   bool Stored = true;                  // false: never persisted in a project
   std::function<TZTVariant(const TZTAction&)> Get;
   std::function<void(TZTAction&, const TZTVariant&)> Set;  // empty: read-only

@@ -51,8 +51,8 @@ int EnumOrdinal(const frame::TZTPropInfo& Prop, const std::string& Name) {
 }
 
 TZTVariant EnumerationValue(const frame::TZTPropInfo& Prop, const YAML::Node& Node) {
-  std::string What = "one of " + NameList(Prop.EnumNames) + " or an ordinal 0.." +
-                     std::to_string(Prop.EnumNames.size() - 1);
+  std::string What =
+      "one of " + NameList(Prop.EnumNames) + " or an ordinal 0.." + std::to_string(Prop.EnumNames.size() - 1);
   if (!Node.IsScalar()) Expected(What, Node);
   int Ordinal = EnumOrdinal(Prop, Node.Scalar());
   if (Ordinal >= 0) return Ordinal;
@@ -60,7 +60,25 @@ TZTVariant EnumerationValue(const frame::TZTPropInfo& Prop, const YAML::Node& No
   if (frame::detail::TryStrToInt64(Node.Scalar(), N) && N >= 0 &&
       N < static_cast<std::int64_t>(Prop.EnumNames.size()))
     return N;
-  throw BadPropertyValue("expects " + What + ", got " + Shown(Node) + DidYouMean(Node.Scalar(), Prop.EnumNames));
+  throw BadPropertyValue("expects " + What + ", got " + Shown(Node) +
+                         DidYouMean(Node.Scalar(), Prop.EnumNames));
+}
+
+std::vector<std::string> ValueNameList(const frame::TZTPropInfo& Prop) {
+  std::vector<std::string> Names;
+  for (const auto& [Name, Value] : Prop.ValueNames) Names.push_back(Name);
+  return Names;
+}
+
+TZTVariant NamedIntegerValue(const frame::TZTPropInfo& Prop, const YAML::Node& Node) {
+  if (Node.IsScalar())
+    for (const auto& [Name, Value] : Prop.ValueNames)
+      if (Node.Scalar() == Name) return Value;
+  std::int64_t N;
+  if (Node.IsScalar() && frame::detail::TryStrToInt64(Node.Scalar(), N)) return N;
+  throw BadPropertyValue("expects an integer or one of " + NameList(ValueNameList(Prop)) + ", got " +
+                         Shown(Node) +
+                         (Node.IsScalar() ? DidYouMean(Node.Scalar(), ValueNameList(Prop)) : ""));
 }
 
 TZTVariant SetValue(const frame::TZTPropInfo& Prop, const YAML::Node& Node) {
@@ -101,11 +119,12 @@ TZTVariant PropertyValueFromYaml(const frame::TZTPropInfo& Prop, const YAML::Nod
       return ScalarText(Node, "a text");
     case TZTPropertyKind::Boolean: {
       bool B;
-      if (!Node.IsScalar() || !YAML::convert<bool>::decode(Node, B)) Expected("a Boolean (true or false)", Node);
+      if (!Node.IsScalar() || !YAML::convert<bool>::decode(Node, B))
+        Expected("a Boolean (true or false)", Node);
       return B;
     }
     case TZTPropertyKind::Integer:
-      return IntegerOf(Node, "an integer");
+      return Prop.ValueNames.empty() ? IntegerOf(Node, "an integer") : NamedIntegerValue(Prop, Node);
     case TZTPropertyKind::Double: {
       std::string S = ScalarText(Node, "a number");
       char* End = nullptr;
@@ -138,7 +157,8 @@ std::string PropertyValueText(const frame::TZTPropInfo& Prop, const TZTVariant& 
       return platform::FormatIsoDateTime(Value.AsDouble());
     case TZTPropertyKind::Enumeration: {
       std::int64_t N = Value.AsInteger();
-      return N >= 0 && N < static_cast<std::int64_t>(Prop.EnumNames.size()) ? Prop.EnumNames[N] : std::to_string(N);
+      return N >= 0 && N < static_cast<std::int64_t>(Prop.EnumNames.size()) ? Prop.EnumNames[N]
+                                                                            : std::to_string(N);
     }
     case TZTPropertyKind::Set: {
       std::vector<std::string> Names;
@@ -147,6 +167,10 @@ std::string PropertyValueText(const frame::TZTPropInfo& Prop, const TZTVariant& 
         if (Mask & (std::int64_t{1} << I)) Names.push_back(Prop.EnumNames[I]);
       return "[" + NameList(Names) + "]";
     }
+    case TZTPropertyKind::Integer:
+      for (const auto& [Name, Named] : Prop.ValueNames)
+        if (Value.AsInteger() == Named) return Name;
+      return Value.AsString();
     case TZTPropertyKind::StringList: {
       frame::TStrings Lines;
       Lines.SetText(Value.AsString());
@@ -163,6 +187,9 @@ std::string PropertyTypeText(const frame::TZTPropInfo& Prop) {
       return Prop.TypeName + " (" + NameList(Prop.EnumNames) + ")";
     case TZTPropertyKind::Set:
       return Prop.TypeName + " (set of " + NameList(Prop.EnumNames) + ")";
+    case TZTPropertyKind::Integer:
+      if (Prop.ValueNames.empty()) return Prop.TypeName;
+      return Prop.TypeName + " (a number or " + NameList(ValueNameList(Prop)) + ")";
     default:
       return Prop.TypeName;
   }

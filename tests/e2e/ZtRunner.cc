@@ -2,17 +2,16 @@
 
 #include <fcntl.h>
 #include <poll.h>
+#include <signal.h>
 #include <sys/wait.h>
 #include <unistd.h>
-
-#include <signal.h>
 
 #include <chrono>
 #include <cstdio>
 #include <fstream>
-#include <thread>
 #include <sstream>
 #include <stdexcept>
+#include <thread>
 
 namespace zt::testing {
 
@@ -66,7 +65,8 @@ struct SignalPlan {
   int Signal = 0;
 };
 
-ZtResult Spawn(const std::string& Dir, const std::vector<std::string>& Args, const SignalPlan* Plan = nullptr) {
+ZtResult Spawn(const std::string& Dir, const std::vector<std::string>& Args,
+               const SignalPlan* Plan = nullptr) {
   ZtResult R;
   int OutPipe[2], ErrPipe[2];
   if (pipe(OutPipe) != 0 || pipe(ErrPipe) != 0) throw std::runtime_error("pipe failed");
@@ -115,8 +115,8 @@ bool IsEventOf(const nlohmann::json& E, const char* Event, const std::string& Id
 
 std::string ZtPath() { return ZT_EXECUTABLE; }
 
-ZtResult RunZt(const std::string& Dir, const std::string& ProjectYaml, const std::vector<std::string>& ExtraArgs,
-               const std::string& Command) {
+ZtResult RunZt(const std::string& Dir, const std::string& ProjectYaml,
+               const std::vector<std::string>& ExtraArgs, const std::string& Command) {
   if (!ProjectYaml.empty()) std::ofstream(Dir + "/project.yml") << ProjectYaml;
   std::string LogPath = Dir + "/log.jsonl";
   std::remove(LogPath.c_str());
@@ -128,8 +128,8 @@ ZtResult RunZt(const std::string& Dir, const std::string& ProjectYaml, const std
   return R;
 }
 
-ZtResult RunZtAndSignal(const std::string& Dir, const std::string& ProjectYaml, const std::string& SignalWhenLogHas,
-                        int Signal) {
+ZtResult RunZtAndSignal(const std::string& Dir, const std::string& ProjectYaml,
+                        const std::string& SignalWhenLogHas, int Signal) {
   std::ofstream(Dir + "/project.yml") << ProjectYaml;
   SignalPlan Plan{Dir + "/log.jsonl", SignalWhenLogHas, Signal};
   std::remove(Plan.LogPath.c_str());
@@ -146,6 +146,19 @@ std::vector<std::string> StatusDetails(const ZtResult& R, const std::string& Id)
     if (IsEventOf(E, "status", Id))
       for (const auto& D : E.value("details", nlohmann::json::array())) Lines.push_back(D.get<std::string>());
   return Lines;
+}
+
+std::vector<std::string> StatusTexts(const ZtResult& R, const std::string& Id) {
+  std::vector<std::string> Texts;
+  for (const auto& E : R.Events)
+    if (IsEventOf(E, "status", Id)) Texts.push_back(E.value("text", ""));
+  return Texts;
+}
+
+nlohmann::json FinalVariables(const ZtResult& R) {
+  for (const auto& E : R.Events)
+    if (E.value("event", "") == "variables") return E["values"];
+  return nullptr;
 }
 
 std::vector<std::string> Messages(const ZtResult& R, const std::string& Id) {

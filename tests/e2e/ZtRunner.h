@@ -2,10 +2,9 @@
 // collects its exit code, console output and JSON Lines build log.
 #pragma once
 
+#include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
-
-#include <nlohmann/json.hpp>
 
 namespace zt::testing {
 
@@ -19,19 +18,23 @@ struct ZtResult {
 // `<zt> <Command> project.yml [--log-json Dir/log.jsonl when Command=="run"] <ExtraArgs...>`
 // with Dir as working directory; parses the JSON Lines log. An empty
 // ProjectYaml leaves an existing Dir/project.yml alone.
-ZtResult RunZt(const std::string& Dir, const std::string& ProjectYaml, const std::vector<std::string>& ExtraArgs = {},
-               const std::string& Command = "run");
+ZtResult RunZt(const std::string& Dir, const std::string& ProjectYaml,
+               const std::vector<std::string>& ExtraArgs = {}, const std::string& Command = "run");
 
 // As RunZt for `run`, but sends Signal to zt once its JSON log holds
 // SignalWhenLogHas (polled every few milliseconds), as a user's Ctrl+C does.
-ZtResult RunZtAndSignal(const std::string& Dir, const std::string& ProjectYaml, const std::string& SignalWhenLogHas,
-                        int Signal);
+ZtResult RunZtAndSignal(const std::string& Dir, const std::string& ProjectYaml,
+                        const std::string& SignalWhenLogHas, int Signal);
 
 // Runs `<zt> Args...` with Dir as working directory and no project file.
 ZtResult RunZtArgs(const std::string& Dir, const std::vector<std::string>& Args);
 
 // Detail lines of every `status` event of action Id, in order.
 std::vector<std::string> StatusDetails(const ZtResult& R, const std::string& Id);
+// The entries' own texts of the `status` events of action Id, in order.
+std::vector<std::string> StatusTexts(const ZtResult& R, const std::string& Id);
+// The `values` of the build's `variables` event (null when there is none).
+nlohmann::json FinalVariables(const ZtResult& R);
 // `message` texts of action Id (host lines included), in order.
 std::vector<std::string> Messages(const ZtResult& R, const std::string& Id);
 // `result` of the action-end event of action Id, "" if there is none.

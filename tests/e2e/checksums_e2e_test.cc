@@ -16,12 +16,6 @@ using Lines = std::vector<std::string>;
 
 void Write(const std::string& Path, const std::string& Contents) { std::ofstream(Path, std::ios::binary) << Contents; }
 
-nlohmann::json FinalVariables(const ZtResult& R) {
-  for (const auto& E : R.Events)
-    if (E.value("event", "") == "variables") return E["values"];
-  return nullptr;
-}
-
 TEST(ChecksumsEndToEnd, ChecksumsGoToTheLogAndIntoVariables) {
   TempDir Dir;
   Write(Dir / "check.txt", "123456789");

@@ -23,20 +23,6 @@ std::string Read(const std::string& Path) {
   return std::string(std::istreambuf_iterator<char>(In), std::istreambuf_iterator<char>());
 }
 
-nlohmann::json FinalVariables(const ZtResult& R) {
-  for (const auto& E : R.Events)
-    if (E.value("event", "") == "variables") return E["values"];
-  return nullptr;
-}
-
-// The entries' own texts of action Id, in order.
-Lines StatusTexts(const ZtResult& R, const std::string& Id) {
-  Lines T;
-  for (const auto& E : R.Events)
-    if (E.value("event", "") == "status" && E.value("id", "") == Id) T.push_back(E.value("text", ""));
-  return T;
-}
-
 TEST(IniEndToEnd, WritesThenReadsBackTypedValues) {
   TempDir Dir;
   Write(Dir / "app.ini", "; app settings\r\n[Build]\r\nVersion=1.4.1\r\nCount=3\r\n\r\n[Other]\r\nx=1\r\n");

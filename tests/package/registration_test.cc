@@ -9,6 +9,7 @@
 #include "Ztplaceholders.h"
 #include "files/Ztdeletefilesaction.h"
 #include "frame/ZTServices.h"
+#include "system/Ztregaction.h"
 #include "support/FakeHost.h"
 
 namespace zt::testing {
@@ -270,7 +271,7 @@ TEST(Registration, EveryTypeCreatesAnActionNamedAsRegistered) {
 TEST(Registration, BuiltTypesReportAvailable) {
   EXPECT_TRUE(package::TDeleteFilesAction::ClassType().IsAvailable());
   EXPECT_FALSE(package::TZTJPEGLosslessTransformAction::ClassType().IsAvailable());
-  // Abstract stand-ins cannot be created.
+  // Abstract classes cannot be created.
   EXPECT_EQ(package::TCustomRegAction::ClassType().Create, nullptr);
 }
 
