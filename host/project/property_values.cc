@@ -51,8 +51,8 @@ int EnumOrdinal(const frame::TZTPropInfo& Prop, const std::string& Name) {
 }
 
 TZTVariant EnumerationValue(const frame::TZTPropInfo& Prop, const YAML::Node& Node) {
-  std::string What =
-      "one of " + NameList(Prop.EnumNames) + " or an ordinal 0.." + std::to_string(Prop.EnumNames.size() - 1);
+  std::string What = "one of " + NameList(Prop.EnumNames) + " or an ordinal 0.." +
+                     std::to_string(Prop.EnumNames.size() - 1);
   if (!Node.IsScalar()) Expected(What, Node);
   int Ordinal = EnumOrdinal(Prop, Node.Scalar());
   if (Ordinal >= 0) return Ordinal;
@@ -60,8 +60,7 @@ TZTVariant EnumerationValue(const frame::TZTPropInfo& Prop, const YAML::Node& No
   if (frame::detail::TryStrToInt64(Node.Scalar(), N) && N >= 0 &&
       N < static_cast<std::int64_t>(Prop.EnumNames.size()))
     return N;
-  throw BadPropertyValue("expects " + What + ", got " + Shown(Node) +
-                         DidYouMean(Node.Scalar(), Prop.EnumNames));
+  throw BadPropertyValue("expects " + What + ", got " + Shown(Node) + DidYouMean(Node.Scalar(), Prop.EnumNames));
 }
 
 std::vector<std::string> ValueNameList(const frame::TZTPropInfo& Prop) {
@@ -76,8 +75,7 @@ TZTVariant NamedIntegerValue(const frame::TZTPropInfo& Prop, const YAML::Node& N
       if (Node.Scalar() == Name) return Value;
   std::int64_t N;
   if (Node.IsScalar() && frame::detail::TryStrToInt64(Node.Scalar(), N)) return N;
-  throw BadPropertyValue("expects an integer or one of " + NameList(ValueNameList(Prop)) + ", got " +
-                         Shown(Node) +
+  throw BadPropertyValue("expects an integer or one of " + NameList(ValueNameList(Prop)) + ", got " + Shown(Node) +
                          (Node.IsScalar() ? DidYouMean(Node.Scalar(), ValueNameList(Prop)) : ""));
 }
 
@@ -119,8 +117,7 @@ TZTVariant PropertyValueFromYaml(const frame::TZTPropInfo& Prop, const YAML::Nod
       return ScalarText(Node, "a text");
     case TZTPropertyKind::Boolean: {
       bool B;
-      if (!Node.IsScalar() || !YAML::convert<bool>::decode(Node, B))
-        Expected("a Boolean (true or false)", Node);
+      if (!Node.IsScalar() || !YAML::convert<bool>::decode(Node, B)) Expected("a Boolean (true or false)", Node);
       return B;
     }
     case TZTPropertyKind::Integer:
@@ -157,8 +154,7 @@ std::string PropertyValueText(const frame::TZTPropInfo& Prop, const TZTVariant& 
       return platform::FormatIsoDateTime(Value.AsDouble());
     case TZTPropertyKind::Enumeration: {
       std::int64_t N = Value.AsInteger();
-      return N >= 0 && N < static_cast<std::int64_t>(Prop.EnumNames.size()) ? Prop.EnumNames[N]
-                                                                            : std::to_string(N);
+      return N >= 0 && N < static_cast<std::int64_t>(Prop.EnumNames.size()) ? Prop.EnumNames[N] : std::to_string(N);
     }
     case TZTPropertyKind::Set: {
       std::vector<std::string> Names;

@@ -2,16 +2,17 @@
 
 #include <fcntl.h>
 #include <poll.h>
-#include <signal.h>
 #include <sys/wait.h>
 #include <unistd.h>
+
+#include <signal.h>
 
 #include <chrono>
 #include <cstdio>
 #include <fstream>
+#include <thread>
 #include <sstream>
 #include <stdexcept>
-#include <thread>
 
 namespace zt::testing {
 
@@ -65,8 +66,7 @@ struct SignalPlan {
   int Signal = 0;
 };
 
-ZtResult Spawn(const std::string& Dir, const std::vector<std::string>& Args,
-               const SignalPlan* Plan = nullptr) {
+ZtResult Spawn(const std::string& Dir, const std::vector<std::string>& Args, const SignalPlan* Plan = nullptr) {
   ZtResult R;
   int OutPipe[2], ErrPipe[2];
   if (pipe(OutPipe) != 0 || pipe(ErrPipe) != 0) throw std::runtime_error("pipe failed");
@@ -115,8 +115,8 @@ bool IsEventOf(const nlohmann::json& E, const char* Event, const std::string& Id
 
 std::string ZtPath() { return ZT_EXECUTABLE; }
 
-ZtResult RunZt(const std::string& Dir, const std::string& ProjectYaml,
-               const std::vector<std::string>& ExtraArgs, const std::string& Command) {
+ZtResult RunZt(const std::string& Dir, const std::string& ProjectYaml, const std::vector<std::string>& ExtraArgs,
+               const std::string& Command) {
   if (!ProjectYaml.empty()) std::ofstream(Dir + "/project.yml") << ProjectYaml;
   std::string LogPath = Dir + "/log.jsonl";
   std::remove(LogPath.c_str());
@@ -128,8 +128,8 @@ ZtResult RunZt(const std::string& Dir, const std::string& ProjectYaml,
   return R;
 }
 
-ZtResult RunZtAndSignal(const std::string& Dir, const std::string& ProjectYaml,
-                        const std::string& SignalWhenLogHas, int Signal) {
+ZtResult RunZtAndSignal(const std::string& Dir, const std::string& ProjectYaml, const std::string& SignalWhenLogHas,
+                        int Signal) {
   std::ofstream(Dir + "/project.yml") << ProjectYaml;
   SignalPlan Plan{Dir + "/log.jsonl", SignalWhenLogHas, Signal};
   std::remove(Plan.LogPath.c_str());
