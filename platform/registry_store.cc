@@ -8,15 +8,20 @@
 
 namespace zt::platform {
 
-const std::array<TRootKeyName, 5> RootKeyNames = {{
+namespace {
+
+// The five predefined root keys in handle order, with their names.
+struct TRootKeyName {
+  HKEY Key;
+  const char* Name;
+};
+constexpr std::array<TRootKeyName, 5> RootKeyNames = {{
     {HKEY_CLASSES_ROOT, "HKEY_CLASSES_ROOT"},
     {HKEY_CURRENT_USER, "HKEY_CURRENT_USER"},
     {HKEY_LOCAL_MACHINE, "HKEY_LOCAL_MACHINE"},
     {HKEY_USERS, "HKEY_USERS"},
     {HKEY_CURRENT_CONFIG, "HKEY_CURRENT_CONFIG"},
 }};
-
-namespace {
 
 using Json = nlohmann::ordered_json;
 

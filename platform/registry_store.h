@@ -76,12 +76,6 @@ class TRegistryDocument {
   std::array<TRegKeyNode, 5> Roots_;
 };
 
-// The five predefined root keys in handle order, with their names.
-struct TRootKeyName {
-  HKEY Key;
-  const char* Name;
-};
-extern const std::array<TRootKeyName, 5> RootKeyNames;
 // "HKEY_CURRENT_USER" for 0x80000001; "" for a handle that is no root.
 std::string RootKeyName(HKEY Key);
 // The root of a name (letter case ignored); false for an unknown name.
