@@ -79,6 +79,12 @@ class Env {
   virtual bool SetFileAttributesA(const std::string& Path, DWORD Attributes) = 0;
 
   virtual bool DeleteFile(const std::string& Path) = 0;
+  // The two halves of a TPendingDelete (files.h). SetFileAside refuses what
+  // DeleteFile refuses, with its errors, then renames Path to a new hidden
+  // name beside it (filled into Aside). EndFileAside puts Aside back as
+  // Original when PutBack and its name is free, else deletes it.
+  virtual bool SetFileAside(const std::string& Path, std::string& Aside) = 0;
+  virtual void EndFileAside(const std::string& Aside, const std::string& Original, bool PutBack) = 0;
   virtual bool RemoveDirectory(const std::string& Path) = 0;
   virtual bool CreateDirectory(const std::string& Path) = 0;
 
@@ -140,6 +146,12 @@ class EnvWrapper : public Env {
     return Target_->SetFileAttributesA(Path, Attributes);
   }
   bool DeleteFile(const std::string& Path) override { return Target_->DeleteFile(Path); }
+  bool SetFileAside(const std::string& Path, std::string& Aside) override {
+    return Target_->SetFileAside(Path, Aside);
+  }
+  void EndFileAside(const std::string& Aside, const std::string& Original, bool PutBack) override {
+    Target_->EndFileAside(Aside, Original, PutBack);
+  }
   bool RemoveDirectory(const std::string& Path) override { return Target_->RemoveDirectory(Path); }
   bool CreateDirectory(const std::string& Path) override { return Target_->CreateDirectory(Path); }
   bool CopyFileExA(const std::string& Existing, const std::string& New, LPPROGRESS_ROUTINE Progress,

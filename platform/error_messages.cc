@@ -54,6 +54,7 @@ constexpr Message Messages[] = {
     {ERROR_FILENAME_EXCED_RANGE, "The filename or extension is too long"},
     {ERROR_DIRECTORY, "The directory name is invalid"},
     {ERROR_NOT_OWNER, "Attempt to release mutex not owned by caller"},
+    {ERROR_OPERATION_ABORTED, "The I/O operation has been aborted because of either a thread exit or an application request"},
     {ERROR_NO_ASSOCIATION, "No application is associated with the specified file for this operation"},
     {ERROR_CANCELLED, "The operation was canceled by the user"},
     {ERROR_REQUEST_ABORTED, "The request was aborted"},

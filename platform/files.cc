@@ -23,6 +23,25 @@ bool SetFileAttributesA(const std::string& Path, DWORD Attributes) {
 }
 
 bool DeleteFile(const std::string& Path) { return Env::Default()->DeleteFile(Path); }
+bool TPendingDelete::Begin(const std::string& Path) {
+  Undo();
+  if (!Env::Default()->SetFileAside(Path, Aside_)) {
+    Aside_.clear();
+    return false;
+  }
+  Path_ = Path;
+  return true;
+}
+
+void TPendingDelete::Commit() { End(/*PutBack=*/false); }
+void TPendingDelete::Undo() { End(/*PutBack=*/true); }
+
+void TPendingDelete::End(bool PutBack) {
+  if (Aside_.empty()) return;
+  Env::Default()->EndFileAside(Aside_, Path_, PutBack);
+  Aside_.clear();
+}
+
 bool RemoveDirectory(const std::string& Path) { return Env::Default()->RemoveDirectory(Path); }
 bool CreateDirectory(const std::string& Path) { return Env::Default()->CreateDirectory(Path); }
 
@@ -116,9 +135,18 @@ bool ReadWholeFile(const std::string& Path, std::string& Contents) {
   Contents.clear();
   THandle H = FileOpen(Path, fmOpenRead | fmShareDenyNone);
   if (H == INVALID_HANDLE_VALUE) return false;
+  bool Ok = ReadWholeFile(H, Contents);
+  DWORD Error = GetLastError();
+  FileClose(H);
+  SetLastError(Error);
+  return Ok;
+}
+
+bool ReadWholeFile(THandle H, std::string& Contents) {
   // Read straight into the string, sized from the file's length, so a large
   // file costs one pass and no re-allocation; the loop still follows a file
   // that grows or shrinks while it is read.
+  Contents.clear();
   std::int64_t Size = FileSeek(H, 0, 2);
   FileSeek(H, 0, 0);
   std::size_t Used = 0;
@@ -128,17 +156,13 @@ bool ReadWholeFile(const std::string& Path, std::string& Contents) {
     std::size_t Want = std::min<std::size_t>(Contents.size() - Used, 1u << 30);
     int N = FileRead(H, Contents.data() + Used, static_cast<int>(Want));
     if (N < 0) {
-      DWORD Error = GetLastError();
-      FileClose(H);
       Contents.clear();
-      SetLastError(Error);
       return false;
     }
     if (N == 0) break;
     Used += static_cast<std::size_t>(N);
   }
   Contents.resize(Used);
-  FileClose(H);
   return true;
 }
 

@@ -31,7 +31,10 @@ struct TSearchRec {
 // such file, 3 missing directory). Entries come in directory order, "." and
 // ".." included. Mask rule: an entry is skipped when it has the hidden, system,
 // volume or directory bit and Attr lacks it; read-only and archive never
-// exclude. Close every successful search with FindClose.
+// exclude. A directory that Path reaches a second time (through a symbolic
+// link to a directory before it on the path) is not listed: 3, as if it were
+// missing, so a recursive walk stops at the first repeat. Close every
+// successful search with FindClose.
 int FindFirst(const std::string& Path, int Attr, TSearchRec& F);
 // Next entry of the search: 0, or ERROR_NO_MORE_FILES (18) at the end.
 int FindNext(TSearchRec& F);
@@ -48,6 +51,29 @@ bool SetFileAttributesA(const std::string& Path, DWORD Attributes);
 // Deletes a file. Read-only file or a directory: ERROR_ACCESS_DENIED (5),
 // also when the process runs as root.
 bool DeleteFile(const std::string& Path);
+
+// A delete that waits for what is to replace the file. Begin takes Path away
+// as DeleteFile does (the same refusals and errors) but keeps it under a
+// hidden name beside it (".NAME.zt-…"); Commit deletes it for good, Undo, or
+// the end of the object, puts it back (unless something new took the name;
+// then it is deleted). An abrupt end of the program puts it back too
+// (stop.h). For "delete the target, then move onto its name": a move that
+// fails loses nothing.
+class TPendingDelete {
+ public:
+  TPendingDelete() = default;
+  ~TPendingDelete() { Undo(); }
+  TPendingDelete(const TPendingDelete&) = delete;
+  TPendingDelete& operator=(const TPendingDelete&) = delete;
+  bool Begin(const std::string& Path);  // false with the last error set, as DeleteFile
+  void Commit();
+  void Undo();
+
+ private:
+  void End(bool PutBack);
+  std::string Path_, Aside_;  // Aside_ empty: nothing pending
+};
+
 bool RemoveDirectory(const std::string& Path);  // empty directories only (145)
 
 // Copy progress routine, as Win32's LPPROGRESS_ROUTINE less the two handles.
@@ -105,11 +131,52 @@ int FileGetDate(THandle Handle);                    // -1 on failure
 int FileSetDate(const std::string& Path, int Age);  // opens for writing: read-only gives 5
 int FileSetDate(THandle Handle, int Age);           // 0, or a Windows error code
 
-// Replaces Path with Contents atomically (a new file, flushed, renamed over
-// the old one): readers see the old file or the new one, never half a file.
-// A read-only Path gives ERROR_ACCESS_DENIED and stays as it was.
+// Replaces the contents of the file Path names with Contents atomically (a
+// new file, flushed, renamed over the old one): readers see the old file or
+// the new one, never half a file. Symbolic links are followed (the file they
+// lead to is replaced, they stay links); the file keeps its permissions,
+// owner, group and extended attributes. A file with more than one name (hard
+// links), or whose owner or attributes a new file could not be given, is
+// rewritten in place instead, so that every name sees the change; its space
+// is reserved first, so a full disk refuses the write before anything
+// changes. A read-only Path, or one that is no regular file, gives
+// ERROR_ACCESS_DENIED and stays as it was.
 bool WriteFileAtomically(const std::string& Path, const std::string& Contents);
 // Reads a whole file into Contents; false with the last error set on failure.
 bool ReadWholeFile(const std::string& Path, std::string& Contents);
+// The same from the start of an open file.
+bool ReadWholeFile(THandle Handle, std::string& Contents);
+
+// One read-modify-write of a file, kept apart from every other one on the
+// same file, in this process or another: Begin waits while another update
+// holds the file (an advisory lock, which programs other than zt ignore unless
+// they lock the same way). Symbolic links are followed. Begin also denies
+// writers (FileOpen's fmShareDenyWrite) while the update reads and edits.
+// Thread use: one object per update; any thread.
+class TFileUpdate {
+ public:
+  TFileUpdate() = default;
+  ~TFileUpdate();
+  TFileUpdate(const TFileUpdate&) = delete;
+  TFileUpdate& operator=(const TFileUpdate&) = delete;
+
+  // Takes the file. A missing file is created empty when Create (its folder
+  // must exist) and otherwise leaves Missing() true. False with the last
+  // error set: 5 for a read-only file or one that is no regular file, 32 while
+  // another program writes it or another update holds it for over ten
+  // seconds, 995 when the program stops meanwhile, or why it cannot be opened.
+  bool Begin(const std::string& Path, bool Create);
+  bool Missing() const { return Missing_; }
+  bool Read(std::string& Contents);
+  // Writes Contents as WriteFileAtomically does. A file that Begin created
+  // and no Commit filled is removed again when the update ends.
+  bool Commit(const std::string& Contents);
+
+ private:
+  void End();
+  std::string Path_;  // the file itself, links resolved
+  THandle Handle_ = INVALID_HANDLE_VALUE;
+  bool Missing_ = false, Created_ = false;
+};
 
 }  // namespace zt::platform

@@ -26,51 +26,21 @@ TIniText Load(const std::string& Path) {
   return ini::Decode(std::move(Bytes));
 }
 
-// Closes a handle on every path out, keeping the last-error code.
-class THandleGuard {
- public:
-  explicit THandleGuard(THandle H) : H_(H) {}
-  ~THandleGuard() {
-    if (H_ == INVALID_HANDLE_VALUE) return;
-    DWORD Error = GetLastError();
-    FileClose(H_);
-    SetLastError(Error);
-  }
-  THandleGuard(const THandleGuard&) = delete;
-  THandleGuard& operator=(const THandleGuard&) = delete;
-
- private:
-  THandle H_;
-};
-
-// Reads the file, lets Edit change its text, and replaces the file
-// atomically when Edit reports a change. A missing file starts empty when
-// Create is set and is left alone otherwise. False with the last error set
-// when the file may not or cannot be written; the file is then unchanged.
+// Reads the file, lets Edit change its text, and replaces the file when
+// Edit reports a change, all as one update that others on the same file
+// wait for (so none is lost). A missing file starts empty when Create is set
+// and is left alone otherwise. False with the last error set when the file
+// may not or cannot be written; the file is then unchanged.
 template <class F>
 bool Update(const std::string& Path, bool Create, F Edit) {
-  DWORD Attr = GetFileAttributesA(Path);
-  bool Exists = Attr != INVALID_FILE_ATTRIBUTES;
-  if (Exists && (Attr & (FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_DIRECTORY))) {
-    SetLastError(ERROR_ACCESS_DENIED);
-    return false;
-  }
-  if (!Exists && !Create) return true;
-  TIniText Doc;
-  THandle Lock = INVALID_HANDLE_VALUE;
-  if (Exists) {
-    // Keeps other writers out while the file is read, edited and replaced.
-    Lock = FileOpen(Path, fmOpenRead | fmShareDenyWrite);
-    if (Lock == INVALID_HANDLE_VALUE) return false;
-  }
-  THandleGuard Guard(Lock);
-  if (Exists) {
-    std::string Bytes;
-    if (!ReadWholeFile(Path, Bytes)) return false;
-    Doc = ini::Decode(std::move(Bytes));
-  }
+  TFileUpdate File;
+  if (!File.Begin(Path, Create)) return false;
+  if (File.Missing()) return true;
+  std::string Bytes;
+  if (!File.Read(Bytes)) return false;
+  TIniText Doc = ini::Decode(std::move(Bytes));
   if (!Edit(Doc.Text)) return true;
-  return WriteFileAtomically(Path, ini::Encode(Doc));
+  return File.Commit(ini::Encode(Doc));
 }
 
 // Inserts Lines (without their final line break) at At, a line start or the

@@ -4,8 +4,8 @@
 // call costs time linear in the file's size. Writes splice the one line
 // they change into the text, keep every other byte, and replace the file
 // atomically. docs/platform.md ("INI files") lists the rules.
-// Thread use: any thread; calls on one file from several threads or
-// processes do not lose a file, but the last writer wins.
+// Thread use: any thread; writes to one file from several threads or
+// processes take turns (each is a locked read-modify-write), so none is lost.
 #pragma once
 
 #include <stdexcept>
@@ -43,8 +43,9 @@ class TIniFile {
   // Sets Ident=Value in the first section named Section (the key's line is
   // rewritten with its existing spelling), or adds the key at the end of
   // the section, or the section at the end of the file, or creates the
-  // file. Throws EIniFileException when the file is read-only (5), locked
-  // by another writer (32), or cannot be written; the file is unchanged.
+  // file. Throws EIniFileException when the file is read-only (5), open for
+  // writing elsewhere or held by another update for over ten seconds (32),
+  // or cannot be written; the file is unchanged.
   void WriteString(const std::string& Section, const std::string& Ident, const std::string& Value);
   void WriteInteger(const std::string& Section, const std::string& Ident, int Value);  // decimal
   void WriteBool(const std::string& Section, const std::string& Ident, bool Value);    // "1" or "0"

@@ -23,8 +23,12 @@ std::string GetCRC32(const std::string& FileName) {
   if (Handle == platform::INVALID_HANDLE_VALUE) throw EInOutError(platform::GetLastError());
   TFileHandleGuard Guard(Handle);
   std::uint32_t Crc = 0xFFFFFFFF;
-  // A failed read stops the checksum; the value of the bytes read stands.
-  ReadFileInBlocks(Handle, [&Crc](const unsigned char* Data, std::size_t Len) { Crc = UpdateCRC32(Crc, Data, Len); });
+  // A failed read stops the checksum; the value of the bytes read stands,
+  // unless the program was stopped: a stop never yields a checksum of part
+  // of a file.
+  if (!ReadFileInBlocks(Handle, [&Crc](const unsigned char* Data, std::size_t Len) { Crc = UpdateCRC32(Crc, Data, Len); }) &&
+      platform::GetLastError() == platform::ERROR_OPERATION_ABORTED)
+    throw EInOutError(platform::ERROR_OPERATION_ABORTED);
   return CRCToText(Crc ^ 0xFFFFFFFF);
 }
 

@@ -135,6 +135,7 @@ bool TCustomCopyFilesAction::Execute() {
   FFilesAffected = 0;
   ResetTerminated();
   FLastForcedDir.clear();
+  FRunTargetKnown = false;
 
   const std::string Source = frame::Trim(ExpandExpression(FFileSpec, true));
   if (Source.empty()) {
@@ -146,6 +147,7 @@ bool TCustomCopyFilesAction::Execute() {
     SendMessage("Error: No target file specified.");
     return false;
   }
+  FRunTarget = TargetPath;
 
   frame::IZTActionLogMessagePtr Entry = CreateStatusMessage();
   Entry->Details().Add("Copying files : " + Source + " -> " + TargetPath);
@@ -199,6 +201,7 @@ bool TCustomCopyFilesAction::DoRecursiveCopyMove(frame::IZTActionLogMessage& Ent
     if (Search.Open) {
       do {
         if (!(F.Attr & pf::faDirectory) || F.Name == "." || F.Name == "..") continue;
+        if (IsRunTargetDirectory(SourceDir + F.Name)) continue;
         // A sub-directory that fails has logged why; its siblings still run.
         DoRecursiveCopyMove(Entry, SourceDir + F.Name + pf::PathDelim + Mask, TargetDir + F.Name, Count);
       } while (pf::FindNext(F) == 0);
@@ -210,6 +213,20 @@ bool TCustomCopyFilesAction::DoRecursiveCopyMove(frame::IZTActionLogMessage& Ent
 void TCustomCopyFilesAction::ForceTargetDirectory(const std::string& Dir) {
   if (Dir == FLastForcedDir) return;
   FLastForcedDir = pf::ForceDirectories(Dir) ? Dir : std::string();
+}
+
+bool TCustomCopyFilesAction::IsRunTargetDirectory(const std::string& Dir) {
+  if (!FTargetIsDir) return false;
+  pf::Env* E = pf::Env::Default();
+  pf::FileInfo Info;
+  // The target may come into being during the run (Force): ask until it has.
+  if (!FRunTargetKnown && E->QueryFileInfo(FRunTarget, Info) == 0 && (Info.Attributes & pf::faDirectory)) {
+    FRunTargetDevice = Info.Device;
+    FRunTargetInode = Info.Inode;
+    FRunTargetKnown = true;
+  }
+  return FRunTargetKnown && E->QueryFileInfo(Dir, Info) == 0 && Info.Device == FRunTargetDevice &&
+         Info.Inode == FRunTargetInode;
 }
 
 bool TCustomCopyFilesAction::ProcessFile(frame::IZTActionLogMessage& Entry, const std::string& SourceFile,
@@ -314,6 +331,10 @@ bool TMoveFilesAction::Execute() {
         Fail("The target File exists and \"Fail if Exists\" is checked");
         break;
       }
+      // The delete of an existing target waits for the move: a move that
+      // fails puts the old target back, attributes and all.
+      pf::TPendingDelete OldTarget;
+      pf::DWORD OldAttr = pf::INVALID_FILE_ATTRIBUTES;
       if (TargetExists) {
         const pf::DWORD Attr = pf::GetFileAttributesA(TargetFile);
         if (Attr != pf::INVALID_FILE_ATTRIBUTES && (Attr & pf::FILE_ATTRIBUTE_READONLY)) ReadOnlyMarker = true;
@@ -321,8 +342,8 @@ bool TMoveFilesAction::Execute() {
           Fail("The target File is marked \"Read Only\"");
           break;
         }
-        if (ReadOnlyMarker) pf::SetFileAttributesA(TargetFile, pf::FILE_ATTRIBUTE_NORMAL);
-        if (!Same && !pf::DeleteFile(TargetFile) && FStopOnAnyErrors) {
+        if (ReadOnlyMarker && pf::SetFileAttributesA(TargetFile, pf::FILE_ATTRIBUTE_NORMAL)) OldAttr = Attr;
+        if (!Same && !OldTarget.Begin(TargetFile) && FStopOnAnyErrors) {
           Fail(pf::SysErrorMessage(pf::GetLastError()));
           break;
         }
@@ -337,10 +358,13 @@ bool TMoveFilesAction::Execute() {
         Moved = pf::MoveFileA(SourceFile, TargetFile);
       }
       if (Moved) {
+        OldTarget.Commit();
         if (FClearAttributes) pf::SetFileAttributesA(TargetFile, pf::FILE_ATTRIBUTE_NORMAL);
         ++FFilesAffected;
       } else {
         const pf::DWORD Error = pf::GetLastError();
+        OldTarget.Undo();
+        if (OldAttr != pf::INVALID_FILE_ATTRIBUTES) pf::SetFileAttributesA(TargetFile, OldAttr);
         Details.Add(ErrorLine);
         Details.Add(" --> " + pf::SysErrorMessage(Error));
         ++FErrorCount;

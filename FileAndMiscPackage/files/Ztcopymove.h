@@ -78,6 +78,9 @@ class TCustomCopyFilesAction : public frame::TCustomZTAction {
   // ForceDirectories for Dir, skipped when the previous file of the run
   // already made or found that same directory (a level's files share one).
   void ForceTargetDirectory(const std::string& Dir);
+  // True when Dir is the run's target directory (same device and inode),
+  // which a walk must not enter: it would copy the copy into itself.
+  bool IsRunTargetDirectory(const std::string& Dir);
   // Starts a new file's progress line (percent 0).
   void BeginProgress(const std::string& Text);
   bool Terminated() const;
@@ -99,6 +102,9 @@ class TCustomCopyFilesAction : public frame::TCustomZTAction {
   bool FClearAttributes = false;
   bool FFailIfZeroFiles = false;
   std::string FLastForcedDir;  // run state of ForceTargetDirectory
+  std::string FRunTarget;      // run state of IsRunTargetDirectory: the expanded target,
+  std::uint64_t FRunTargetDevice = 0, FRunTargetInode = 0;  // and its identity once it exists
+  bool FRunTargetKnown = false;
 
  private:
   // Written by TerminateAction on another thread and read by the build

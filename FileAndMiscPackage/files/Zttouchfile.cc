@@ -124,10 +124,11 @@ bool TCustomTouchFilesAction::TouchFile(const std::string& FileName) {
     pf::TDateTime D = pf::FileDateToDateTime(pf::FileGetDate(H));
     if (FTouchDate) D = DatePart(FDateTime) + TimePart(D);
     if (FTouchTime) D = DatePart(D) + TimePart(FDateTime);
-    pf::FileSetDate(H, pf::DateTimeToFileDate(D));
-    ++FFileCount;
+    // A stamp the file date cannot hold (before 1980, after 2107) is refused
+    // by the platform: the file was not touched.
+    Result = pf::FileSetDate(H, pf::DateTimeToFileDate(D)) == 0;
+    if (Result) ++FFileCount;
     pf::FileClose(H);
-    Result = true;
   }
 
   if (ReadOnly) pf::SetFileAttributesA(FileName, Attributes);

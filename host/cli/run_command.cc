@@ -95,7 +95,7 @@ int RunCommand(const CommandOptions& O, std::ostream& Err) {
 
   BuildResult Result;
   {
-    StopSignal Stop([&R] { R.RequestStop(); });
+    StopSignal Stop([&R] { R.RequestStop(); }, [&R] { R.Abandon(); });
     Result = R.Run();
   }
   if (Json && !Json->WriteError().empty()) {

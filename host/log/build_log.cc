@@ -56,7 +56,7 @@ void BuildLog::Variables(const VariableList& Values) {
   Each([&](LogSink& S) { S.Variables(Values); });
 }
 void BuildLog::BuildEnd(BuildResult Result, std::int64_t DurationMs, const std::string& FailedId) {
-  Each([&](LogSink& S) { S.BuildEnd(Result, DurationMs, FailedId); });
+  Each([&](LogSink& S) { S.BuildEnd(Result, DurationMs, FailedId); }, /*Last=*/true);
 }
 
 }  // namespace zt::host

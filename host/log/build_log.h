@@ -1,6 +1,8 @@
 // The build log: the events of one build, fanned out to every sink (the
 // console, the JSON Lines file). Events may come from any thread; each is
-// handed to the sinks whole, one at a time.
+// handed to the sinks whole, one at a time. Build-end is the last event:
+// whatever comes after it is dropped (a build ended by a second Ctrl+C may
+// still be running on its thread).
 #pragma once
 
 #include <cstdint>
@@ -65,12 +67,15 @@ class BuildLog : public LogSink {
 
  private:
   template <class Fn>
-  void Each(Fn&& F) {
+  void Each(Fn&& F, bool Last = false) {
     std::lock_guard<std::mutex> Lock(Mutex_);
+    if (Ended_) return;
     for (auto& S : Sinks_) F(*S);
+    Ended_ = Last;
   }
   std::mutex Mutex_;
   std::vector<std::unique_ptr<LogSink>> Sinks_;
+  bool Ended_ = false;  // build-end was written
 };
 
 }  // namespace zt::host

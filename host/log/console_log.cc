@@ -71,6 +71,8 @@ std::string ConsoleLog::Painted(const std::string& Text, const char* Color) cons
 void ConsoleLog::Write(const std::string& Text) {
   ClearProgress();
   std::fwrite(Text.data(), 1, Text.size(), Out_);
+  // A log in a file or pipe is whole up to its last line whenever zt ends.
+  if (!O_.IsTerminal) std::fflush(Out_);
 }
 
 void ConsoleLog::Line(const std::string& Id, int Extra, const std::string& Text, const char* Color) {
@@ -101,6 +103,7 @@ int ConsoleLog::Columns() const {
 void ConsoleLog::BuildStart(const std::string& Project, const std::string& File) {
   File_ = File;
   if (!O_.Quiet) std::fprintf(Out_, "Building %s\n", Project.empty() ? File.c_str() : Project.c_str());
+  std::fflush(Out_);
 }
 
 void ConsoleLog::ActionStart(const std::string& Id, const std::string& Title, const std::string&,

@@ -5,6 +5,7 @@
 #include <filesystem>
 
 #include "host/run/child_actions.h"
+#include "platform/stop.h"
 
 namespace zt::host {
 
@@ -43,16 +44,18 @@ Runner::Runner(Project& P, BuildLog& Log, const VariableList& Overrides)
 }
 
 BuildResult Runner::Run() {
-  auto Start = std::chrono::steady_clock::now();
+  Start_ = std::chrono::steady_clock::now();
+  platform::ResumeLongOperations();
   Log_.BuildStart(Project_.Name, Project_.FileName);
   ForEachAction(Project_.Actions, [](ActionNode& N, int) { N.Action->ResetBuildStatus(); });
   BuildResult Result = RunActionList(*this, Project_.Actions) == ListResult::Failed ? BuildResult::Failure
                                                                                     : BuildResult::Success;
   if (Stop_) Result = BuildResult::Stopped;
   Log_.Variables(Vars_.Project());
-  Log_.BuildEnd(Result, MillisecondsSince(Start), Result == BuildResult::Failure ? FailedId_ : "");
+  Log_.BuildEnd(Result, MillisecondsSince(Start_), Result == BuildResult::Failure ? FailedId_ : "");
   return Result;
 }
+
 
 ActionResult Runner::RunAction(ActionNode& Node) {
   auto Start = std::chrono::steady_clock::now();
@@ -97,8 +100,18 @@ ActionResult Runner::RunAction(ActionNode& Node) {
 
 void Runner::RequestStop() {
   Stop_ = true;
-  std::lock_guard<std::mutex> Lock(RunningMutex_);
-  if (Running_ && Running_->CanTerminate()) Running_->TerminateAction();
+  {
+    std::lock_guard<std::mutex> Lock(RunningMutex_);
+    if (Running_ && Running_->CanTerminate()) Running_->TerminateAction();
+  }
+  // After the action's own flag, so an action that can tell its terminate
+  // from a failure sees it set when the layer's operation ends.
+  platform::CancelLongOperations();
+}
+
+void Runner::Abandon() {
+  platform::AbandonPendingFiles();
+  Log_.BuildEnd(BuildResult::Stopped, MillisecondsSince(Start_), "");
 }
 
 ActionNode* Runner::NodeOf(const frame::TZTAction& Action) const {

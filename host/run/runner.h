@@ -6,6 +6,7 @@
 #pragma once
 
 #include <atomic>
+#include <chrono>
 #include <mutex>
 #include <string>
 #include <unordered_map>
@@ -30,8 +31,13 @@ class Runner : public frame::IZTActionHost {
   // Runs the top-level actions in order; stops at the first failure that is
   // not ignored, or when a stop was requested. Logs build-start to build-end.
   BuildResult Run();
-  // Sets the stop state, and terminates the running action when it can be.
+  // Sets the stop state, terminates the running action when it can be, and
+  // cancels the platform layer's long operations (reads, copies).
   void RequestStop();
+  // For a build that must end at once (a second Ctrl+C), from any thread:
+  // cleans up the files the platform layer is in the middle of writing or
+  // has set aside, and ends the log with build-end "stopped".
+  void Abandon();
 
   const Variables& Vars() const { return Vars_; }
   Expander& GetExpander() { return Expander_; }
@@ -78,6 +84,7 @@ class Runner : public frame::IZTActionHost {
   std::unordered_map<const frame::TZTAction*, ActionNode*> Nodes_;
   std::string FailedId_;  // the action whose failure fails the build
   std::atomic<bool> Stop_{false};
+  std::chrono::steady_clock::time_point Start_ = std::chrono::steady_clock::now();
   std::mutex RunningMutex_;  // guards Running_ against RequestStop from another thread
   frame::TZTAction* Running_ = nullptr;  // the innermost running action
   LoopRunner Loops_{*this};

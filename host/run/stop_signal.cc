@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <atomic>
+#include <chrono>
 
 #include "platform/child_process.h"
 
@@ -15,18 +16,22 @@ int PipeFds[2] = {-1, -1};
 std::atomic<int> SignalsSeen{0};
 struct sigaction OldInt, OldTerm;
 
+// How long the way out may take before the process ends regardless (a log
+// written to a pipe nobody reads could block it).
+constexpr auto kExitPatience = std::chrono::seconds(1);
+
 void OnSignal(int) {
-  if (SignalsSeen.fetch_add(1) > 0) {  // the user insists
-    platform::KillChildProcessGroups();
-    _exit(130);
-  }
-  char Byte = 's';
+  const int Seen = SignalsSeen.fetch_add(1);
+  if (Seen > 0) platform::KillChildProcessGroups();  // the user insists: programs the build started go now
+  if (Seen >= 2) _exit(130);
+  char Byte = Seen == 0 ? 's' : 'x';
   [[maybe_unused]] ssize_t N = write(PipeFds[1], &Byte, 1);
 }
 
 }  // namespace
 
-StopSignal::StopSignal(std::function<void()> OnStop) : OnStop_(std::move(OnStop)) {
+StopSignal::StopSignal(std::function<void()> OnStop, std::function<void()> OnExit)
+    : OnStop_(std::move(OnStop)), OnExit_(std::move(OnExit)) {
   if (pipe(PipeFds) != 0) return;
   SignalsSeen = 0;
   struct sigaction Sa {};
@@ -37,7 +42,18 @@ StopSignal::StopSignal(std::function<void()> OnStop) : OnStop_(std::move(OnStop)
   sigaction(SIGTERM, &Sa, &OldTerm);
   Watcher_ = std::thread([this] {
     char Byte;
-    while (read(PipeFds[0], &Byte, 1) == 1 && Byte == 's') OnStop_();
+    while (read(PipeFds[0], &Byte, 1) == 1 && Byte != 'q') {
+      if (Byte == 's') {
+        OnStop_();
+        continue;
+      }
+      std::thread([] {
+        std::this_thread::sleep_for(kExitPatience);
+        _exit(130);
+      }).detach();
+      if (OnExit_) OnExit_();
+      _exit(130);
+    }
   });
 }
 

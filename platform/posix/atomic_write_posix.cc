@@ -1,44 +1,121 @@
-// WriteFileAtomically on POSIX: a temporary file beside the target, flushed,
-// then renamed over it, so readers see the old file or the new one.
+// WriteFileAtomically on POSIX: the file a path names (links followed) gets
+// new contents, and stays the same file to its other names and to the system:
+//  - normally a temporary file beside it takes the contents, the old file's
+//    permissions, owner, group and extended attributes, is flushed, and is
+//    renamed over it, so readers see the old file or the new one;
+//  - a file with several hard links, or one whose owner or attributes the
+//    temporary file cannot take (a user cannot give a file away), is
+//    rewritten in place after its space is reserved: every name sees the
+//    change, and a full disk refuses it before a byte changes.
 #include <errno.h>
+#include <fcntl.h>
 #include <stdio.h>
 #include <sys/stat.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
+#include <climits>
+#include <cstring>
+#include <vector>
+
+#include "platform/paths.h"
 #include "platform/posix/posix_env.h"
 
 namespace zt::platform::posix {
 
-bool PosixEnv::WriteFileAtomically(const std::string& Path, const std::string& Contents) {
-  struct stat Old;
-  const bool Exists = stat(Path.c_str(), &Old) == 0;
-  if (Exists && CheckWritable(Old) != ERROR_SUCCESS) return Fail(ERROR_ACCESS_DENIED);
-  std::string TempPath;
-  DWORD Error = ERROR_SUCCESS;
-  int Fd = CreateTempBeside(Path, TempPath, Error);
-  if (Fd < 0) return Fail(Error);
-  // A replaced file keeps its permissions and stored attributes.
+namespace {
+
+DWORD WriteAll(int Fd, const std::string& Contents, off_t Offset) {
   const char* P = Contents.data();
   size_t Left = Contents.size();
-  while (Error == ERROR_SUCCESS && Left > 0) {
-    ssize_t N = write(Fd, P, Left);
+  while (Left > 0) {
+    ssize_t N = pwrite(Fd, P, Left, Offset);
     if (N < 0 && errno == EINTR) continue;
-    if (N < 0)
-      Error = ErrnoToWindowsError(errno);
-    else
-      P += N, Left -= static_cast<size_t>(N);
+    if (N < 0) return ErrnoToWindowsError(errno);
+    P += N, Left -= static_cast<size_t>(N), Offset += N;
   }
-  if (Error == ERROR_SUCCESS && Exists && fchmod(Fd, Old.st_mode & 07777) != 0)
+  return ERROR_SUCCESS;
+}
+
+// Gives the new file Fd everything of Old that is not its contents: the
+// owner and group first (changing them may clear set-id bits), then the
+// permissions and every extended attribute (ACLs and the stored DOS bits
+// are among them). False when any of it cannot be given.
+bool TakeOver(int Fd, const std::string& OldPath, const struct stat& Old) {
+  if (fchown(Fd, Old.st_uid, Old.st_gid) != 0 || fchmod(Fd, Old.st_mode & 07777) != 0) return false;
+  ssize_t Size = llistxattr(OldPath.c_str(), nullptr, 0);
+  if (Size < 0) return errno == ENOTSUP;
+  std::vector<char> Names(static_cast<size_t>(Size));
+  Size = llistxattr(OldPath.c_str(), Names.data(), Names.size());
+  if (Size < 0) return false;
+  std::vector<char> Value;
+  for (const char* Name = Names.data(); Name < Names.data() + Size; Name += strlen(Name) + 1) {
+    ssize_t Len = lgetxattr(OldPath.c_str(), Name, nullptr, 0);
+    if (Len < 0) return false;
+    Value.resize(static_cast<size_t>(Len));
+    Len = lgetxattr(OldPath.c_str(), Name, Value.data(), Value.size());
+    if (Len < 0 || fsetxattr(Fd, Name, Value.data(), static_cast<size_t>(Len), 0) != 0) return false;
+  }
+  return true;
+}
+
+DWORD RewriteInPlace(const std::string& Path, const std::string& Contents) {
+  int Fd = open(Path.c_str(), O_WRONLY | O_NONBLOCK | O_CLOEXEC);
+  if (Fd < 0) return errno == EWOULDBLOCK ? ERROR_SHARING_VIOLATION : PathError(errno, Path);
+  DWORD Error = ERROR_SUCCESS;
+  const off_t Size = static_cast<off_t>(Contents.size());
+  // Where the file system cannot reserve space, the write itself must do.
+  if (Size > 0 && fallocate(Fd, 0, 0, Size) != 0 && errno != EOPNOTSUPP && errno != ENOSYS)
     Error = ErrnoToWindowsError(errno);
-  if (Error == ERROR_SUCCESS && Exists) {
-    DWORD Bits = ReadStoredBits(Path);
-    if (Bits) Error = Env::Default()->WriteDosAttributes(TempPath, Bits);
-  }
+  if (Error == ERROR_SUCCESS) Error = WriteAll(Fd, Contents, 0);
+  if (Error == ERROR_SUCCESS && ftruncate(Fd, Size) != 0) Error = ErrnoToWindowsError(errno);
   if (Error == ERROR_SUCCESS && fsync(Fd) != 0) Error = ErrnoToWindowsError(errno);
   if (close(Fd) != 0 && Error == ERROR_SUCCESS) Error = ErrnoToWindowsError(errno);
-  if (Error == ERROR_SUCCESS && rename(TempPath.c_str(), Path.c_str()) != 0) Error = PathError(errno, Path);
+  return Error;
+}
+
+}  // namespace
+
+std::string FinalTarget(const std::string& Path) {
+  std::string Current = Path;
+  for (int Hop = 0; Hop < 40; ++Hop) {
+    char Link[PATH_MAX];
+    ssize_t N = readlink(Current.c_str(), Link, sizeof Link - 1);
+    if (N < 0) return Current;  // no link (or nothing there): this is the file
+    std::string Next(Link, static_cast<size_t>(N));
+    Current = Next[0] == '/' ? Next : ExtractFilePath(Current) + Next;
+  }
+  return Path;  // a loop: the operations on Path will say so
+}
+
+bool PosixEnv::WriteFileAtomically(const std::string& Path, const std::string& Contents) {
+  const std::string File = FinalTarget(Path);
+  struct stat Old;
+  const bool Exists = stat(File.c_str(), &Old) == 0;
+  if (Exists && (CheckWritable(Old) != ERROR_SUCCESS || !S_ISREG(Old.st_mode))) return Fail(ERROR_ACCESS_DENIED);
+  if (Exists && Old.st_nlink > 1) {
+    DWORD Error = RewriteInPlace(File, Contents);
+    return Error == ERROR_SUCCESS || Fail(Error);
+  }
+  std::string TempPath;
+  DWORD Error = ERROR_SUCCESS;
+  int Fd = CreateTempBeside(File, TempPath, Error);
+  if (Fd < 0) return Fail(Error);
+  if (Exists && !TakeOver(Fd, File, Old)) {
+    close(Fd);
+    RemovePendingFile(TempPath);
+    Error = RewriteInPlace(File, Contents);
+    return Error == ERROR_SUCCESS || Fail(Error);
+  }
+  Error = WriteAll(Fd, Contents, 0);
+  if (Error == ERROR_SUCCESS && fsync(Fd) != 0) Error = ErrnoToWindowsError(errno);
+  if (close(Fd) != 0 && Error == ERROR_SUCCESS) Error = ErrnoToWindowsError(errno);
+  if (Error == ERROR_SUCCESS) {
+    int RenameError = RenamePendingFile(TempPath, File, /*NoReplace=*/false);
+    if (RenameError != 0) Error = PathError(RenameError, File);
+  }
   if (Error != ERROR_SUCCESS) {
-    unlink(TempPath.c_str());
+    RemovePendingFile(TempPath);
     return Fail(Error);
   }
   return true;

@@ -1,7 +1,8 @@
 // Windows attributes on POSIX:
 //   read-only  no write permission bit (set: remove every w; clear: owner w back)
 //   hidden     a leading dot, or the bit stored in user.DOSATTRIB
-//   system, archive   stored in user.DOSATTRIB ("0x" + hex, as Samba and Wine)
+//   system, archive   stored in user.DOSATTRIB ("0x" + hex, as Samba and Wine);
+//              FIFOs, sockets and devices are always system files
 //   directory  from the file type
 //   normal     when no other bit is set
 #include <errno.h>
@@ -101,6 +102,10 @@ DWORD CombineAttributes(const struct stat& St, DWORD Stored, bool DotHidden) {
   if (DotHidden) A |= FILE_ATTRIBUTE_HIDDEN;
   if (IsReadOnlyMode(St.st_mode)) A |= FILE_ATTRIBUTE_READONLY;
   if (S_ISDIR(St.st_mode)) A |= FILE_ATTRIBUTE_DIRECTORY;
+  // FIFOs, sockets and devices are no files to Windows: as system files
+  // they stay out of every search whose mask lacks the system bit.
+  if (S_ISFIFO(St.st_mode) || S_ISSOCK(St.st_mode) || S_ISCHR(St.st_mode) || S_ISBLK(St.st_mode))
+    A |= FILE_ATTRIBUTE_SYSTEM;
   return A ? A : FILE_ATTRIBUTE_NORMAL;
 }
 

@@ -3,8 +3,12 @@
 // other failure leaves no partial target and an existing target untouched:
 //  - a target that does not exist yet is created exclusively under its own
 //    name (the name is ours from then on) and removed again on failure;
-//  - an existing target is replaced by a temporary file beside it, renamed
-//    over it only when complete, so the old file is never lost.
+//  - an existing target, or any target of a move, is written to a temporary
+//    file beside it, renamed over it only when complete, so the old file is
+//    never lost and no half file ever bears the name.
+// Either file is pending (stop.h) until it is complete, so an abrupt end of
+// the program removes it. Only regular files are copied: a FIFO would block
+// the open or the reads forever, a device never end.
 // The source is opened and described once (fstat); its stored attributes,
 // and the copy's times, attributes and permissions, go through the open
 // descriptors, so a small file costs about as many calls as `cp` makes.
@@ -20,6 +24,7 @@
 #include <vector>
 
 #include "platform/posix/posix_env.h"
+#include "platform/stop.h"
 
 namespace zt::platform::posix {
 
@@ -27,11 +32,16 @@ namespace {
 
 // One progress step; large enough that copying runs at the file system's speed.
 constexpr std::int64_t kChunkBytes = std::int64_t{16} << 20;
+// At most this much per system call, so a cancel is seen within a few
+// milliseconds even on a slow disk.
+constexpr std::int64_t kCallBytes = std::int64_t{4} << 20;
 
-// Read/write copy for file systems without copy_file_range between them.
+// Read/write copy for file systems without copy_file_range between them, and
+// for files whose data the kernel will not copy (those of /proc and /sys).
 DWORD ReadWriteCopy(int From, int To, std::int64_t MaxBytes, std::int64_t& Copied) {
   thread_local std::vector<char> Buffer(std::size_t{1} << 20);
   while (Copied < MaxBytes) {
+    if (LongOperationsCancelled()) return ERROR_OPERATION_ABORTED;
     size_t Want = static_cast<size_t>(std::min<std::int64_t>(MaxBytes - Copied, Buffer.size()));
     ssize_t N = read(From, Buffer.data(), Want);
     if (N < 0 && errno == EINTR) continue;
@@ -59,15 +69,16 @@ class FdCloser {
   int Fd_;
 };
 
-// The file being written: the target itself (created by this copy) or a
-// temporary file beside it. Until Keep(), destroying it closes the
-// descriptor and removes the file, so a failed copy leaves nothing behind.
+// The file being written, pending: the target itself (created by this copy)
+// or a temporary file beside it. Until it is kept or renamed into place,
+// destroying it closes the descriptor and removes the file, so a failed copy
+// leaves nothing behind.
 class OutputFile {
  public:
   OutputFile(int Fd, std::string Path) : Fd_(Fd), Path_(std::move(Path)) {}
   ~OutputFile() {
     if (Fd_ >= 0) close(Fd_);
-    if (!Kept_) unlink(Path_.c_str());
+    if (!Kept_) RemovePendingFile(Path_);
   }
   OutputFile(const OutputFile&) = delete;
   OutputFile& operator=(const OutputFile&) = delete;
@@ -79,7 +90,17 @@ class OutputFile {
     Fd_ = -1;
     return Result == 0 ? ERROR_SUCCESS : ErrnoToWindowsError(errno);
   }
-  void Keep() { Kept_ = true; }
+  // The file is complete where it is.
+  void Keep() {
+    KeepPendingFile(Path_);
+    Kept_ = true;
+  }
+  // Renames the complete file to New: 0, or the errno of the failure.
+  int RenameTo(const std::string& New, bool NoReplace) {
+    int Error = RenamePendingFile(Path_, New, NoReplace);
+    Kept_ = Error == 0;
+    return Error;
+  }
 
  private:
   int Fd_;
@@ -113,12 +134,6 @@ DWORD CheckTarget(const std::string& New, const struct stat& Source, const CopyO
   return ERROR_SUCCESS;
 }
 
-// Creates New for writing, failing when anything of that name exists.
-// -1 with errno set on failure.
-int CreateExclusively(const std::string& New, mode_t Mode) {
-  return open(New.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, Mode);
-}
-
 // Stores Bits beside the file being written. The platform's own Env writes
 // through the descriptor; an installed replacement sees the primitive call.
 DWORD StoreDosBits(const OutputFile& Out, DWORD Bits) {
@@ -149,35 +164,33 @@ DWORD CopyMetadata(int In, const struct stat& Source, const struct timespec& Bef
   return ERROR_SUCCESS;
 }
 
-DWORD RenameIntoPlace(const std::string& Temp, const std::string& New, const CopyOptions& Options) {
-  if (Options.FailIfExists) {
-    if (renameat2(AT_FDCWD, Temp.c_str(), AT_FDCWD, New.c_str(), RENAME_NOREPLACE) == 0) return ERROR_SUCCESS;
-    if (errno == EEXIST) return Options.ExistsError;
-    if (errno != EINVAL && errno != ENOSYS) return PathError(errno, New);
-    // The file system cannot refuse atomically: check, then rename.
-    struct stat St;
-    if (lstat(New.c_str(), &St) == 0) return Options.ExistsError;
-  }
-  return rename(Temp.c_str(), New.c_str()) == 0 ? ERROR_SUCCESS : PathError(errno, New);
+DWORD RenameIntoPlace(OutputFile& Out, const std::string& New, const CopyOptions& Options) {
+  int Error = Out.RenameTo(New, Options.FailIfExists);
+  if (Error == 0) return ERROR_SUCCESS;
+  return Error == EEXIST ? Options.ExistsError : PathError(Error, New);
 }
 
 // Copies the data of In (Total bytes when the copy started) to Out with
 // progress: at the start, after every chunk, and once at the end for an
-// empty file. Stops at Total, or earlier when the source shrinks.
+// empty file. Stops at Total, or earlier when the source shrinks. A size of
+// 0 may be unknown (files of /proc say 0): such a file is copied to its end.
 DWORD CopyData(int In, int Out, std::int64_t Total, LPPROGRESS_ROUTINE Progress, void* Data, BOOL* Cancel) {
   if (!Report(Progress, Data, Total, 0, CALLBACK_STREAM_SWITCH)) return ERROR_REQUEST_ABORTED;
   if (Total > kChunkBytes) posix_fadvise(In, 0, 0, POSIX_FADV_SEQUENTIAL);
+  const bool SizeKnown = Total > 0;
   std::int64_t Done = 0;
   do {
     if (Cancelled(Cancel)) return ERROR_REQUEST_ABORTED;
-    if (Done == Total) break;
+    if (LongOperationsCancelled()) return ERROR_OPERATION_ABORTED;
+    if (SizeKnown && Done == Total) break;
     std::int64_t Copied = 0;
-    DWORD Error = Env::Default()->CopyChunk(In, Out, std::min(kChunkBytes, Total - Done), Copied);
+    const std::int64_t Want = SizeKnown ? std::min(kChunkBytes, Total - Done) : kChunkBytes;
+    DWORD Error = Env::Default()->CopyChunk(In, Out, Want, Copied);
     if (Error != ERROR_SUCCESS) return Error;
-    if (Copied == 0) break;  // the source became shorter
+    if (Copied == 0) break;  // the end: the source became shorter, or was empty
     Done += Copied;
-    if (!Report(Progress, Data, Total, Done, CALLBACK_CHUNK_FINISHED)) return ERROR_REQUEST_ABORTED;
-  } while (Done < Total);
+    if (!Report(Progress, Data, SizeKnown ? Total : Done, Done, CALLBACK_CHUNK_FINISHED)) return ERROR_REQUEST_ABORTED;
+  } while (!SizeKnown || Done < Total);
   if (Done == 0 && !Report(Progress, Data, 0, 0, CALLBACK_CHUNK_FINISHED)) return ERROR_REQUEST_ABORTED;
   return ERROR_SUCCESS;
 }
@@ -188,12 +201,15 @@ DWORD PosixEnv::CopyChunk(THandle From, THandle To, std::int64_t MaxBytes, std::
   Copied = 0;
   const int In = static_cast<int>(From), Out = static_cast<int>(To);
   while (Copied < MaxBytes) {
-    ssize_t N = copy_file_range(In, nullptr, Out, nullptr, static_cast<size_t>(MaxBytes - Copied), 0);
+    if (LongOperationsCancelled()) return ERROR_OPERATION_ABORTED;
+    const std::int64_t Want = std::min(MaxBytes - Copied, kCallBytes);
+    ssize_t N = copy_file_range(In, nullptr, Out, nullptr, static_cast<size_t>(Want), 0);
     if (N > 0) {
       Copied += N;
       continue;
     }
-    if (N == 0) break;
+    // The end, or data the kernel will not copy (/proc, /sys): reading tells.
+    if (N == 0) return ReadWriteCopy(In, Out, MaxBytes, Copied);
     if (errno == EINTR) continue;
     if (errno == EXDEV || errno == EINVAL || errno == ENOSYS || errno == EOPNOTSUPP || errno == EBADF)
       return ReadWriteCopy(In, Out, MaxBytes, Copied);
@@ -204,26 +220,27 @@ DWORD PosixEnv::CopyChunk(THandle From, THandle To, std::int64_t MaxBytes, std::
 
 bool CopyWithProgress(const std::string& Existing, const std::string& New, LPPROGRESS_ROUTINE Progress,
                       void* Data, BOOL* Cancel, const CopyOptions& Options) {
-  int In = open(Existing.c_str(), O_RDONLY | O_CLOEXEC);
+  if (LongOperationsCancelled()) return Fail(ERROR_OPERATION_ABORTED);
+  // Non-blocking, so a FIFO cannot hold the open; it is refused just after.
+  int In = open(Existing.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
   if (In < 0) return Fail(PathError(errno, Existing));
   FdCloser InCloser(In);
   const struct timespec Before = ClockBeforeStat();
   struct stat Source;
   if (fstat(In, &Source) != 0) return Fail(ErrnoToWindowsError(errno));
-  if (S_ISDIR(Source.st_mode)) return Fail(ERROR_ACCESS_DENIED);
+  if (!S_ISREG(Source.st_mode)) return Fail(ERROR_ACCESS_DENIED);
 
   const mode_t CreateMode = (Source.st_mode & 07777) | S_IWUSR;
   std::string OutPath = New;
-  int Fd = CreateExclusively(New, CreateMode);
-  bool Replacing = false;
+  int Fd = Options.ViaTemporary ? -1 : CreatePendingFile(New, O_WRONLY, CreateMode);
+  bool Replacing = Fd < 0;
   if (Fd < 0) {
-    if (errno != EEXIST) return Fail(PathError(errno, New));
-    // Something is there: replace it only through a complete temporary file.
+    if (!Options.ViaTemporary && errno != EEXIST) return Fail(PathError(errno, New));
+    // Replace what is there only through a complete temporary file.
     if (DWORD Error = CheckTarget(New, Source, Options)) return Fail(Error);
     DWORD Error = ERROR_SUCCESS;
     Fd = CreateTempBeside(New, OutPath, Error, CreateMode);
     if (Fd < 0) return Fail(Error);
-    Replacing = true;
   }
   OutputFile Out(Fd, OutPath);
 
@@ -232,9 +249,9 @@ bool CopyWithProgress(const std::string& Existing, const std::string& New, LPPRO
   if (Error == ERROR_SUCCESS && Options.WriteThrough && fdatasync(Out.Fd()) != 0)
     Error = ErrnoToWindowsError(errno);
   if (Error == ERROR_SUCCESS) Error = Out.Close();
-  if (Error == ERROR_SUCCESS && Replacing) Error = RenameIntoPlace(Out.Path(), New, Options);
+  if (Error == ERROR_SUCCESS && Replacing) Error = RenameIntoPlace(Out, New, Options);
   if (Error != ERROR_SUCCESS) return Fail(Error);
-  Out.Keep();
+  if (!Replacing) Out.Keep();
   return true;
 }
 

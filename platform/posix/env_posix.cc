@@ -4,9 +4,6 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <atomic>
-#include <cstdio>
-
 #include "platform/paths.h"
 #include "platform/posix/posix_env.h"
 
@@ -32,15 +29,10 @@ DWORD CheckWritable(const struct stat& St) {
 }
 
 int CreateTempBeside(const std::string& Target, std::string& TempPath, DWORD& Error, mode_t Mode) {
-  // A hidden name that keeps the target's, so a crash leaves a recognisable
-  // file. The umask applies, as for any new file.
-  static std::atomic<unsigned> Counter{0};
-  const std::string Stem = ExtractFilePath(Target) + "." + ExtractFileName(Target).substr(0, 200) + ".zt-";
+  // The umask applies, as for any new file.
   for (int Attempt = 0; Attempt < 100; ++Attempt) {
-    char Suffix[32];
-    std::snprintf(Suffix, sizeof Suffix, "%x-%x", static_cast<unsigned>(getpid()), Counter.fetch_add(1));
-    TempPath = Stem + Suffix;
-    int Fd = open(TempPath.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, Mode);
+    TempPath = TempNameBeside(Target);
+    int Fd = CreatePendingFile(TempPath, O_RDWR, Mode);
     if (Fd >= 0) return Fd;
     if (errno != EEXIST) break;
   }

@@ -7,16 +7,23 @@
 // is non-blocking, so it meets a lease with EWOULDBLOCK and fails at once
 // with ERROR_SHARING_VIOLATION, as on Windows. Closing the handle releases
 // the lease. Limits are in docs/platform.md.
+//
+// Only regular files open as files: every open is non-blocking, so a FIFO
+// cannot hold it, and anything else (FIFO, socket, device, directory) is
+// refused with "Access is denied", as Windows refuses a directory. Reads
+// stop within a few milliseconds of the program's stop (stop.h).
 #include <errno.h>
 #include <fcntl.h>
 #include <signal.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <mutex>
 
 #include "platform/dates.h"
 #include "platform/posix/posix_env.h"
+#include "platform/stop.h"
 
 namespace zt::platform::posix {
 
@@ -32,15 +39,15 @@ void IgnoreLeaseBreakSignal() {
   });
 }
 
-// Takes the read lease: 0, or ERROR_SHARING_VIOLATION while the file is open
-// for writing. Where no lease can be had for another reason (a file system
-// without leases, a file of another owner without CAP_LEASE) the handle
-// stays open without it.
+}  // namespace
+
 DWORD DenyWriters(int Fd) {
   IgnoreLeaseBreakSignal();
   if (fcntl(Fd, F_SETLEASE, F_RDLCK) == 0) return ERROR_SUCCESS;
   return errno == EAGAIN || errno == EBUSY ? ERROR_SHARING_VIOLATION : ERROR_SUCCESS;
 }
+
+namespace {
 
 DWORD OpenError(int Errno, const std::string& Path) {
   return Errno == EWOULDBLOCK ? ERROR_SHARING_VIOLATION : PathError(Errno, Path);
@@ -50,6 +57,9 @@ THandle Failed(DWORD Error) {
   SetLastError(Error);
   return INVALID_HANDLE_VALUE;
 }
+
+// The most one read(2) asks for, so a cancel is seen between two of them.
+constexpr int kReadCallBytes = 4 << 20;
 
 }  // namespace
 
@@ -61,10 +71,9 @@ THandle PosixEnv::FileOpen(const std::string& Path, int Mode) {
   if (Writing && stat(Path.c_str(), &St) == 0 && CheckWritable(St) != ERROR_SUCCESS)
     return Failed(ERROR_ACCESS_DENIED);
   int Flags = O_CLOEXEC | (Access == fmOpenWrite ? O_WRONLY : Access == fmOpenReadWrite ? O_RDWR : O_RDONLY);
-  if (Writing) Flags |= O_NONBLOCK;
-  int Fd = open(Path.c_str(), Flags);
+  int Fd = open(Path.c_str(), Flags | O_NONBLOCK);
   if (Fd < 0) return Failed(OpenError(errno, Path));
-  if (fstat(Fd, &St) != 0 || S_ISDIR(St.st_mode)) {  // Windows opens no directory as a file
+  if (fstat(Fd, &St) != 0 || !S_ISREG(St.st_mode)) {
     close(Fd);
     return Failed(ERROR_ACCESS_DENIED);
   }
@@ -80,7 +89,7 @@ THandle PosixEnv::FileOpen(const std::string& Path, int Mode) {
 THandle PosixEnv::FileCreate(const std::string& Path) {
   struct stat St;
   if (stat(Path.c_str(), &St) == 0) {
-    if (CheckWritable(St) != ERROR_SUCCESS) return Failed(ERROR_ACCESS_DENIED);
+    if (CheckWritable(St) != ERROR_SUCCESS || !S_ISREG(St.st_mode)) return Failed(ERROR_ACCESS_DENIED);
     // Windows will not recreate a hidden or system file as a normal one.
     if (ReadStoredBits(Path) & (FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM))
       return Failed(ERROR_ACCESS_DENIED);
@@ -92,11 +101,20 @@ THandle PosixEnv::FileCreate(const std::string& Path) {
 
 int PosixEnv::FileRead(THandle Handle, void* Buffer, int Count) {
   if (Count < 0) return SetLastError(ERROR_INVALID_PARAMETER), -1;
-  for (;;) {
-    ssize_t N = read(static_cast<int>(Handle), Buffer, static_cast<size_t>(Count));
-    if (N >= 0) return static_cast<int>(N);
-    if (errno != EINTR) return SetLastError(ErrnoToWindowsError(errno)), -1;
-  }
+  // A large read goes in pieces; as on Windows it returns less than Count
+  // only at the end of the file.
+  char* P = static_cast<char*>(Buffer);
+  int Done = 0;
+  do {
+    if (LongOperationsCancelled()) return SetLastError(ERROR_OPERATION_ABORTED), -1;
+    const int Want = std::min(Count - Done, kReadCallBytes);
+    ssize_t N = read(static_cast<int>(Handle), P + Done, static_cast<size_t>(Want));
+    if (N < 0 && errno == EINTR) continue;
+    if (N < 0) return SetLastError(ErrnoToWindowsError(errno)), -1;
+    Done += static_cast<int>(N);
+    if (N < Want) break;
+  } while (Done < Count);
+  return Done;
 }
 
 int PosixEnv::FileWrite(THandle Handle, const void* Buffer, int Count) {

@@ -1,9 +1,15 @@
 // FindFirst / FindNext on POSIX: directory order, "." and ".." included,
-// Windows wildcards, Delphi's attribute-mask rule.
+// Windows wildcards, Delphi's attribute-mask rule. A directory that its path
+// reaches a second time (a symbolic link to an ancestor) is not listed, so
+// no recursive walk can run round a loop.
 #include <dirent.h>
 #include <errno.h>
 #include <fcntl.h>
 #include <sys/stat.h>
+
+#include <string_view>
+#include <utility>
+#include <vector>
 
 #include "platform/dates.h"
 #include "platform/paths.h"
@@ -65,6 +71,33 @@ void Fill(TSearchRec& F, std::string Name, const FileInfo& Info) {
   F.Time = DateTimeToFileDate(UnixToDateTime(static_cast<std::time_t>(Info.LastWriteSeconds)));
 }
 
+// True when Dir (a directory part, delimiter included) passes through one
+// directory twice: the same device and inode among its components. "." is no
+// step and ".." a step back, so "a/./" and "a/b/../b/" list as written.
+bool ReachesADirectoryTwice(const std::string& Dir) {
+  std::vector<std::pair<dev_t, ino_t>> Passed;
+  std::size_t Begin = 0;
+  if (!Dir.empty() && Dir[0] == '/') {
+    struct stat Root;
+    if (stat("/", &Root) == 0) Passed.emplace_back(Root.st_dev, Root.st_ino);
+    Begin = 1;
+  }
+  for (std::size_t End; (End = Dir.find('/', Begin)) != std::string::npos; Begin = End + 1) {
+    const std::string_view Name(Dir.data() + Begin, End - Begin);
+    if (Name.empty() || Name == ".") continue;
+    if (Name == "..") {
+      if (!Passed.empty()) Passed.pop_back();
+      continue;
+    }
+    struct stat St;
+    if (stat(Dir.substr(0, End).c_str(), &St) != 0) return false;  // the listing will say why
+    for (const auto& [Dev, Ino] : Passed)
+      if (Dev == St.st_dev && Ino == St.st_ino) return true;
+    Passed.emplace_back(St.st_dev, St.st_ino);
+  }
+  return false;
+}
+
 bool HasWildcards(const std::string& Pattern) {
   if (Pattern.find_first_of("*?") != std::string::npos) return true;
   // "name." means "name" to Windows; the matcher knows, a plain look-up not.
@@ -91,6 +124,8 @@ int PosixEnv::FindFirst(const std::string& Path, int Attr, TSearchRec& F) {
     return 0;
   }
 
+  // Found again through a link: nothing there, as for a missing directory.
+  if (ReachesADirectoryTwice(Prefix)) return static_cast<int>(ERROR_PATH_NOT_FOUND);
   DIR* Dir = opendir(Prefix.empty() ? "." : Prefix.c_str());
   if (!Dir) {
     int Error = errno;

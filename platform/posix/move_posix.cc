@@ -1,6 +1,7 @@
 // MoveFileWithProgressA on POSIX: rename(2) on one file system; across file
-// systems, with MOVEFILE_COPY_ALLOWED, a file is copied (with progress) and
-// the source deleted. Directories never cross file systems, as on Windows.
+// systems, with MOVEFILE_COPY_ALLOWED, a file is copied (with progress) to a
+// temporary name beside the target, renamed into place, and the source
+// deleted. Directories never cross file systems, as on Windows.
 #include <errno.h>
 #include <fcntl.h>
 #include <stdio.h>
@@ -45,6 +46,8 @@ bool PosixEnv::MoveFileWithProgressA(const std::string& Existing, const std::str
   Options.FailIfExists = !Replace;
   Options.ExistsError = ERROR_ALREADY_EXISTS;
   Options.WriteThrough = (Flags & MOVEFILE_WRITE_THROUGH) != 0;
+  // The source is the only whole copy until the end: no half file ever bears the target's name.
+  Options.ViaTemporary = true;
   if (!CopyWithProgress(Existing, New, Progress, Data, nullptr, Options)) return false;
   // A source that cannot go away must not leave two copies behind.
   if (unlink(Existing.c_str()) != 0) {

@@ -24,6 +24,8 @@ class PosixEnv final : public Env {
   bool SetFileAttributesA(const std::string& Path, DWORD Attributes) override;
 
   bool DeleteFile(const std::string& Path) override;
+  bool SetFileAside(const std::string& Path, std::string& Aside) override;
+  void EndFileAside(const std::string& Aside, const std::string& Original, bool PutBack) override;
   bool RemoveDirectory(const std::string& Path) override;
   bool CreateDirectory(const std::string& Path) override;
 
@@ -104,25 +106,62 @@ void FillInfo(const struct stat& St, DWORD Attributes, FileInfo& Info);
 // replacement sees (and can fail) every one.
 inline bool PlatformEnvInstalled() { return Env::Default() == Env::Platform(); }
 
+// The file that Path leads to: symbolic links of its last component followed
+// (also to a file that does not exist yet), or Path itself when it is none.
+std::string FinalTarget(const std::string& Path);
+
+// Takes a read lease on Fd (opened for reading), so that writers are kept
+// out: 0, or ERROR_SHARING_VIOLATION while the file is open for writing.
+// Where no lease can be had for another reason, 0 without one.
+DWORD DenyWriters(int Fd);
+
 // Checks that Path may be replaced or written: 0, or ERROR_ACCESS_DENIED for
 // a read-only file or a directory.
 DWORD CheckWritable(const struct stat& St);
 
 // The copy behind CopyFileExA and a move across file systems. A new target
-// is created under its own name, an existing one replaced by a temporary
-// file renamed over it at the end; on any failure or cancel the file being
-// written is removed and an existing New is left as it was.
+// is created under its own name (unless ViaTemporary), an existing one
+// replaced by a temporary file renamed over it at the end; on any failure or
+// cancel the file being written is removed and an existing New is left as it
+// was. Only regular files are copied (others: ERROR_ACCESS_DENIED).
 struct CopyOptions {
   bool FailIfExists = false;
   DWORD ExistsError = ERROR_FILE_EXISTS;  // what an existing New gives when FailIfExists
   bool WriteThrough = false;              // flush the data before the rename
+  bool ViaTemporary = false;              // also a new target is written under a temporary name
 };
 bool CopyWithProgress(const std::string& Existing, const std::string& New, LPPROGRESS_ROUTINE Progress,
                       void* Data, BOOL* Cancel, const CopyOptions& Options);
 
 // A unique temporary file next to Target (same directory, so renaming it
-// over Target is atomic), created with Mode less the umask. Returns the
-// descriptor and fills TempPath, or -1 with the Windows error in Error.
+// over Target is atomic), created with Mode less the umask and registered as
+// a pending file (below). Returns the descriptor and fills TempPath, or -1
+// with the Windows error in Error.
 int CreateTempBeside(const std::string& Target, std::string& TempPath, DWORD& Error, mode_t Mode = 0666);
+// A new hidden name beside Target: ".NAME.zt-" + process and counter.
+std::string TempNameBeside(const std::string& Target);
+
+// ---- Pending files (stop.h) ----
+// A file the layer creates to write, or sets aside, is pending until its
+// owner renames, keeps or removes it; AbandonPendingFiles cleans up what is
+// still pending. Each call does its file operation and the bookkeeping under
+// one lock, so the two never part.
+
+// open(Path, Flags | O_CREAT | O_EXCL | O_CLOEXEC, Mode), the new file
+// pending: the descriptor, or -1 with errno set.
+int CreatePendingFile(const std::string& Path, int Flags, mode_t Mode);
+// Renames the pending file From to To (NoReplace: fails with EEXIST when To
+// exists), which ends its pending state. 0, or the errno of the failure.
+int RenamePendingFile(const std::string& From, const std::string& To, bool NoReplace);
+// The pending file stays where it is, finished.
+void KeepPendingFile(const std::string& Path);
+// Removes the pending file.
+void RemovePendingFile(const std::string& Path);
+// Renames Path to a new hidden name beside it (filled into Aside), pending
+// until PutBackPendingFile or RemovePendingFile. 0, or the errno of the failure.
+int SetFileAsidePending(const std::string& Path, std::string& Aside);
+// Renames Aside back to Original unless that name is taken (EEXIST; the
+// aside file then stays as it is). 0, or the errno of the failure.
+int PutBackPendingFile(const std::string& Aside, const std::string& Original);
 
 }  // namespace zt::platform::posix

@@ -261,8 +261,8 @@ class MeddlingEnv : public pf::EnvWrapper {
     if (!VanishAfterFind.empty()) Target()->DeleteFile(VanishAfterFind);
     return R;
   }
-  bool DeleteFile(const std::string& Path) override {
-    if (Path != RefuseDelete) return Target()->DeleteFile(Path);
+  bool SetFileAside(const std::string& Path, std::string& Aside) override {
+    if (Path != RefuseDelete) return Target()->SetFileAside(Path, Aside);
     pf::SetLastError(pf::ERROR_ACCESS_DENIED);
     return false;
   }
