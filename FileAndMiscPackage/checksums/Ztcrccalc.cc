@@ -26,8 +26,8 @@ std::string GetCRC32(const std::string& FileName) {
   // A failed read stops the checksum; the value of the bytes read stands,
   // unless the program was stopped: a stop never yields a checksum of part
   // of a file.
-  if (!ReadFileInBlocks(Handle, [&Crc](const unsigned char* Data, std::size_t Len) { Crc = UpdateCRC32(Crc, Data, Len); }) &&
-      platform::GetLastError() == platform::ERROR_OPERATION_ABORTED)
+  auto Add = [&Crc](const unsigned char* Data, std::size_t Len) { Crc = UpdateCRC32(Crc, Data, Len); };
+  if (!ReadFileInBlocks(Handle, Add) && platform::GetLastError() == platform::ERROR_OPERATION_ABORTED)
     throw EInOutError(platform::ERROR_OPERATION_ABORTED);
   return CRCToText(Crc ^ 0xFFFFFFFF);
 }

@@ -189,7 +189,8 @@ DWORD CopyData(int In, int Out, std::int64_t Total, LPPROGRESS_ROUTINE Progress,
     if (Error != ERROR_SUCCESS) return Error;
     if (Copied == 0) break;  // the end: the source became shorter, or was empty
     Done += Copied;
-    if (!Report(Progress, Data, SizeKnown ? Total : Done, Done, CALLBACK_CHUNK_FINISHED)) return ERROR_REQUEST_ABORTED;
+    if (!Report(Progress, Data, SizeKnown ? Total : Done, Done, CALLBACK_CHUNK_FINISHED))
+      return ERROR_REQUEST_ABORTED;
   } while (!SizeKnown || Done < Total);
   if (Done == 0 && !Report(Progress, Data, 0, 0, CALLBACK_CHUNK_FINISHED)) return ERROR_REQUEST_ABORTED;
   return ERROR_SUCCESS;

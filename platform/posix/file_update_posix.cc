@@ -39,7 +39,9 @@ DWORD LockExclusively(int Fd, Clock::time_point Deadline) {
   }
 }
 
-bool SameFile(const struct stat& A, const struct stat& B) { return A.st_dev == B.st_dev && A.st_ino == B.st_ino; }
+bool SameFile(const struct stat& A, const struct stat& B) {
+  return A.st_dev == B.st_dev && A.st_ino == B.st_ino;
+}
 
 }  // namespace
 

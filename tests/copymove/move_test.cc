@@ -311,6 +311,33 @@ TEST_F(MoveFilesTest, TargetThatCannotBeDeletedStopsOnlyWithStopOnAnyErrors) {
   EXPECT_EQ(ReadText(Out("a.txt")), "old");
 }
 
+// A disk that is full for every move.
+class FullDiskEnv : public pf::EnvWrapper {
+ public:
+  FullDiskEnv() : EnvWrapper(pf::Env::Platform()) {}
+  bool MoveFileWithProgressA(const std::string&, const std::string&, pf::LPPROGRESS_ROUTINE, void*,
+                             pf::DWORD) override {
+    pf::SetLastError(pf::ERROR_DISK_FULL);
+    return false;
+  }
+};
+
+TEST_F(MoveFilesTest, FailedMovePutsTheOldTargetBackWithItsAttributes) {
+  FullDiskEnv Env;
+  pf::ScopedEnv Use(&Env);
+  WriteText(Src("a.txt"), "new");
+  WriteText(Out("a.txt"), "old");
+  ASSERT_TRUE(pf::SetFileAttributesA(Out("a.txt"), pf::FILE_ATTRIBUTE_READONLY | pf::FILE_ATTRIBUTE_ARCHIVE));
+  A.SetOverwriteReadOnly(true);
+  EXPECT_TRUE(Run(Src("*.txt"), Dir / "out"));
+  EXPECT_EQ(Host.AllDetails(), (Lines{Header(Src("*.txt"), Dir / "out"), Error(Src("a.txt"), Out("a.txt")),
+                                      " --> There is not enough space on the disk", "0 Files Moved."}));
+  EXPECT_EQ(ReadText(Out("a.txt")), "old");
+  EXPECT_EQ(pf::GetFileAttributesA(Out("a.txt")), pf::FILE_ATTRIBUTE_READONLY | pf::FILE_ATTRIBUTE_ARCHIVE);
+  EXPECT_EQ(std::distance(fs::directory_iterator(Dir / "out"), {}), 1);  // nothing set aside is left
+  EXPECT_EQ(ReadText(Src("a.txt")), "new");
+}
+
 TEST_F(MoveFilesTest, CountsAreResetByEachRun) {
   WriteText(Src("a.txt"), "a");
   EXPECT_TRUE(Run(Src("a.txt"), Dir / "missing/a.txt"));

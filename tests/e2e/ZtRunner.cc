@@ -48,12 +48,17 @@ std::string ReadText(const std::string& Path) {
 
 // Sends Signal to Pid once the file at LogPath contains Needle (or the child
 // has gone); runs beside Drain so the child's pipes never fill up.
-std::thread SignalWhen(pid_t Pid, std::string LogPath, std::string Needle, int Signal) {
+std::thread SignalWhen(pid_t Pid, std::string LogPath, std::string Needle, int Signal, int Times) {
   return std::thread([=] {
     for (int I = 0; I < 6000; ++I) {  // at most a minute
       if (kill(Pid, 0) != 0) return;
       if (ReadText(LogPath).find(Needle) != std::string::npos) {
-        kill(Pid, Signal);
+        // A few milliseconds apart, as fast as a user's keys: signals sent
+        // at once would merge into one.
+        for (int T = 0; T < Times; ++T) {
+          if (T > 0) std::this_thread::sleep_for(std::chrono::milliseconds(5));
+          kill(Pid, Signal);
+        }
         return;
       }
       std::this_thread::sleep_for(std::chrono::milliseconds(10));
@@ -64,6 +69,7 @@ std::thread SignalWhen(pid_t Pid, std::string LogPath, std::string Needle, int S
 struct SignalPlan {
   std::string LogPath, Needle;
   int Signal = 0;
+  int Times = 1;
 };
 
 ZtResult Spawn(const std::string& Dir, const std::vector<std::string>& Args, const SignalPlan* Plan = nullptr) {
@@ -89,7 +95,7 @@ ZtResult Spawn(const std::string& Dir, const std::vector<std::string>& Args, con
   close(OutPipe[1]);
   close(ErrPipe[1]);
   std::thread Signaller;
-  if (Plan) Signaller = SignalWhen(Pid, Plan->LogPath, Plan->Needle, Plan->Signal);
+  if (Plan) Signaller = SignalWhen(Pid, Plan->LogPath, Plan->Needle, Plan->Signal, Plan->Times);
   Drain(OutPipe[0], ErrPipe[0], R.Stdout, R.Stderr);
   int Status = 0;
   waitpid(Pid, &Status, 0);
@@ -128,10 +134,10 @@ ZtResult RunZt(const std::string& Dir, const std::string& ProjectYaml, const std
   return R;
 }
 
-ZtResult RunZtAndSignal(const std::string& Dir, const std::string& ProjectYaml, const std::string& SignalWhenLogHas,
-                        int Signal) {
+ZtResult RunZtAndSignal(const std::string& Dir, const std::string& ProjectYaml,
+                        const std::string& SignalWhenLogHas, int Signal, int Times) {
   std::ofstream(Dir + "/project.yml") << ProjectYaml;
-  SignalPlan Plan{Dir + "/log.jsonl", SignalWhenLogHas, Signal};
+  SignalPlan Plan{Dir + "/log.jsonl", SignalWhenLogHas, Signal, Times};
   std::remove(Plan.LogPath.c_str());
   ZtResult R = Spawn(Dir, {"run", "project.yml", "--log-json", Plan.LogPath}, &Plan);
   R.Events = ReadEvents(Plan.LogPath);

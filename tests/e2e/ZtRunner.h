@@ -23,9 +23,10 @@ ZtResult RunZt(const std::string& Dir, const std::string& ProjectYaml, const std
                const std::string& Command = "run");
 
 // As RunZt for `run`, but sends Signal to zt once its JSON log holds
-// SignalWhenLogHas (polled every few milliseconds), as a user's Ctrl+C does.
-ZtResult RunZtAndSignal(const std::string& Dir, const std::string& ProjectYaml, const std::string& SignalWhenLogHas,
-                        int Signal);
+// SignalWhenLogHas (polled every few milliseconds), as a user's Ctrl+C does;
+// Times signals in a row, a few milliseconds apart, as an impatient user's.
+ZtResult RunZtAndSignal(const std::string& Dir, const std::string& ProjectYaml,
+                        const std::string& SignalWhenLogHas, int Signal, int Times = 1);
 
 // Runs `<zt> Args...` with Dir as working directory and no project file.
 ZtResult RunZtArgs(const std::string& Dir, const std::vector<std::string>& Args);

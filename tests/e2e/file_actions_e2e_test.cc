@@ -91,6 +91,21 @@ actions:
   EXPECT_FALSE(Writable(D / "bin/sub/lib.dll"));
 }
 
+TEST(FileActionsE2E, TouchWithADateAFileDateCannotHoldFailsAndChangesNothing) {
+  TempDir D;
+  WriteFile(D / "a.txt");
+  const std::string Before = LocalStamp(D / "a.txt");
+  for (const char* Date : {"1975-06-01T12:00:00", "2110-01-01T00:00:00"}) {
+    ZtResult R = RunZt(D.Path(), std::string("actions:\n  - action: Touch File(s)\n    FileSpec: ./a.txt\n"
+                                             "    DateTime: ") +
+                                     Date + "\n");
+    EXPECT_EQ(R.ExitCode, 1) << Date;
+    EXPECT_EQ(StatusDetails(R, "1"), (Lines{"Error touching File : ./a.txt", "Processed : 0 File(s)"}))
+        << Date;
+    EXPECT_EQ(LocalStamp(D / "a.txt"), Before) << Date;
+  }
+}
+
 TEST(FileActionsE2E, LegacyFailIfExistsFailsTheBuildWhenTheFileIsThere) {
   TempDir D;
   WriteFile(D / "build.lock");

@@ -1,10 +1,12 @@
 // Ctrl+C on a running build through the real binary: the build stops after
-// the running action, logs the end events and exits with 130.
+// the running action, logs the end events and exits with 130; a second
+// Ctrl+C ends it at once, but with its logs whole and no file half written.
+#include <gtest/gtest.h>
 #include <signal.h>
 
+#include <filesystem>
+#include <fstream>
 #include <string>
-
-#include <gtest/gtest.h>
 
 #include "ZtRunner.h"
 #include "support/TempDir.h"
@@ -42,6 +44,28 @@ TEST(HostStopTest, InterruptStopsTheBuildBetweenActionsAndExits130) {
   EXPECT_GE(Started, 1);
   EXPECT_LT(Started, Count);
   EXPECT_EQ(ActionResult(R, std::to_string(Count)), "");
+}
+
+TEST(HostStopTest, SecondInterruptLeavesNoTemporaryFileAndEndsBothLogs) {
+  TempDir Shm("/dev/shm"), D;  // a huge source that costs neither disk nor memory
+  const std::string Big = (Shm.Path().empty() ? D.Path() : Shm.Path()) + "/huge.bin";
+  std::ofstream(Big).close();
+  std::filesystem::resize_file(Big, std::uintmax_t{64} << 30);
+  std::filesystem::create_directory(D / "out");
+  std::ofstream(D / "out/huge.bin") << "old";
+  ZtResult R = RunZtAndSignal(
+      D.Path(), "actions:\n  - action: Copy File(s)\n    FileSpec: " + Big + "\n    Target: out/huge.bin\n",
+      "\"Copying File :", SIGINT, 2);
+  EXPECT_EQ(R.ExitCode, 130);
+  ASSERT_FALSE(R.Events.empty());
+  EXPECT_EQ(R.Events.back()["event"], "build-end");
+  EXPECT_EQ(R.Events.back()["result"], "stopped");
+  EXPECT_NE(R.Stdout.find("Build stopped"), std::string::npos) << R.Stdout;
+  std::vector<std::string> Left;
+  for (const auto& E : std::filesystem::directory_iterator(D / "out")) Left.push_back(E.path().filename());
+  EXPECT_EQ(Left, std::vector<std::string>{"huge.bin"});
+  std::ifstream Old(D / "out/huge.bin");
+  EXPECT_EQ(std::string(std::istreambuf_iterator<char>(Old), {}), "old");
 }
 
 }  // namespace

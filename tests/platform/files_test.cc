@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include "platform/stop.h"
 #include "tests/platform/file_util.h"
 #include "tests/support/TempDir.h"
 
@@ -116,6 +117,23 @@ TEST(Files, WriteAtomicallyRefusesReadOnlyTargetAndLeavesItUnchanged) {
   EXPECT_EQ(GetLastError(), ERROR_ACCESS_DENIED);
   EXPECT_EQ(zt::testing::ReadText(T / "out.txt"), "old");
   EXPECT_EQ(zt::testing::ListNames(T.Path()), (std::vector<std::string>{"out.txt"}));
+}
+
+TEST(Files, AfterAStopLongOperationsFailAtOnceUntilResumed) {
+  TempDir T;
+  WriteText(T / "a.txt", "abc");
+  THandle H = FileOpen(T / "a.txt", fmOpenRead);
+  ASSERT_NE(H, INVALID_HANDLE_VALUE);
+  char Buffer[4];
+  CancelLongOperations();
+  EXPECT_EQ(FileRead(H, Buffer, 3), -1);
+  EXPECT_EQ(GetLastError(), ERROR_OPERATION_ABORTED);
+  EXPECT_FALSE(CopyFileExA(T / "a.txt", T / "b.txt", nullptr, nullptr, nullptr, 0));
+  EXPECT_EQ(GetLastError(), ERROR_OPERATION_ABORTED);
+  ResumeLongOperations();
+  EXPECT_EQ(FileRead(H, Buffer, 3), 3);
+  FileClose(H);
+  EXPECT_EQ(zt::testing::ListNames(T.Path()), std::vector<std::string>{"a.txt"});
 }
 
 }  // namespace

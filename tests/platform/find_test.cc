@@ -174,5 +174,20 @@ TEST(Find, StoredAndDotHiddenEntriesNeedTheHiddenBitInTheMask) {
   FindClose(F);
 }
 
+TEST(Find, ADirectoryThePathReachesASecondTimeIsNotListed) {
+  TempDir T;
+  mkdir((T / "a").c_str(), 0777);
+  WriteText(T / "a/x.txt", "x");
+  ASSERT_EQ(symlink("..", (T / "a/up").c_str()), 0);
+  ASSERT_EQ(symlink(".", (T / "a/self").c_str()), 0);
+  for (const char* Again : {"a/up/*", "a/self/*", "a/up/a/*"}) {
+    TSearchRec F;
+    EXPECT_EQ(FindFirst(T / Again, faAnyFile, F), static_cast<int>(ERROR_PATH_NOT_FOUND)) << Again;
+  }
+  // "." and ".." are no second visit; an exact name is looked up, not listed.
+  for (const char* Once : {"a/*.txt", "a/./*.txt", "a/../a/*.txt", "a/self/x.txt"})
+    EXPECT_EQ(Find(T / Once, 0), std::set<std::string>{"x.txt"}) << Once;
+}
+
 }  // namespace
 }  // namespace zt::platform

@@ -12,11 +12,14 @@ namespace zt::testing {
 class TempDir {
  public:
   // Base: the folder to make it in (default: the system's temporary folder).
+  // Path() is empty when it cannot be made there.
   explicit TempDir(const std::filesystem::path& Base = std::filesystem::temp_directory_path()) {
     std::string Tmpl = (Base / "zt-test-XXXXXX").string();
-    Path_ = mkdtemp(Tmpl.data());
+    const char* Made = mkdtemp(Tmpl.data());
+    Path_ = Made ? Made : "";
   }
   ~TempDir() {
+    if (Path_.empty()) return;
     std::error_code Ec;
     for (auto& E : std::filesystem::recursive_directory_iterator(Path_, Ec))
       std::filesystem::permissions(E.path(), std::filesystem::perms::owner_all,

@@ -1,0 +1,84 @@
+// Files that never end or never answer, and stops at bad moments, through
+// zt: FIFOs and devices are refused at once, files of /proc copy with their
+// contents, and a stop ends a checksum of a huge file without a result.
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/stat.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <vector>
+
+#include "ZtRunner.h"
+#include "support/TempDir.h"
+
+namespace zt::testing {
+namespace {
+
+namespace fs = std::filesystem;
+using Lines = std::vector<std::string>;
+
+TEST(NothingHung, FifosAndDevicesAreRefusedInsteadOfWaitedFor) {
+  TempDir D;
+  fs::create_directory(D / "in");
+  ASSERT_EQ(mkfifo((D / "in/pipe").c_str(), 0666), 0);
+  ZtResult R = RunZt(D.Path(), R"(actions:
+  - action: Copy File(s)
+    FileSpec: in/*
+    Target: out
+    Force: true
+    ignoreFailure: true
+  - action: Calculate File CRC32
+    FileName: /dev/zero
+    ignoreFailure: true
+  - action: Touch File(s)
+    FileSpec: in/*
+)");
+  EXPECT_EQ(R.ExitCode, 0) << R.Stdout;
+  EXPECT_EQ(StatusDetails(R, "1"),
+            (Lines{"Copying files : in/* -> out", "Failed to copy File : in/pipe -> out/pipe",
+                   "Win32 Error : Access is denied", "0 Files Copied."}));
+  EXPECT_EQ(Messages(R, "2"), Lines{"Error getting crc32 : File access denied"});
+  // A FIFO is a system file, which the touch's search leaves out.
+  EXPECT_EQ(StatusDetails(R, "3"), Lines{"Processed : 0 File(s)"});
+  EXPECT_FALSE(fs::exists(D / "out/pipe"));
+}
+
+TEST(NothingHung, StopEndsAChecksumOfAHugeFileWithoutAResult) {
+  TempDir Shm("/dev/shm"), D;  // reading a hole of tmpfs costs no disk and no memory
+  const std::string Big = (Shm.Path().empty() ? D.Path() : Shm.Path()) + "/huge.bin";
+  std::ofstream(Big).close();
+  fs::resize_file(Big, std::uintmax_t{64} << 30);
+  ZtResult R =
+      RunZtAndSignal(D.Path(), "actions:\n  - action: Calculate File CRC32\n    FileName: " + Big + "\n",
+                     "\"action-start\"", SIGTERM);
+  EXPECT_EQ(R.ExitCode, 130);
+  EXPECT_EQ(Messages(R, "1"), Lines{"Error getting crc32 : I/O error 995"});
+  EXPECT_EQ(ActionResult(R, "1"), "failure");
+}
+
+TEST(NothingHung, FilesOfProcCopyWithTheirContentsAndDevicesAreRefused) {
+  TempDir D;
+  ZtResult R = RunZt(D.Path(), R"(actions:
+  - action: Copy File(s)
+    FileSpec: /proc/self/status
+    Target: out/status
+    Force: true
+  - action: Copy File(s)
+    FileSpec: /dev/null
+    Target: out/null
+)");
+  EXPECT_EQ(R.ExitCode, 1);
+  EXPECT_EQ(StatusDetails(R, "1"),
+            (Lines{"Copying files : /proc/self/status -> out/status", "1 Files Copied."}));
+  std::ifstream In(D / "out/status");
+  EXPECT_EQ(std::string(std::istreambuf_iterator<char>(In), {}).rfind("Name:\tzt\n", 0), 0u);
+  EXPECT_EQ(StatusDetails(R, "2"),
+            (Lines{"Copying files : /dev/null -> out/null", "Failed to copy File : /dev/null -> out/null",
+                   "Win32 Error : Access is denied", "0 Files Copied."}));
+}
+
+}  // namespace
+}  // namespace zt::testing
