@@ -139,7 +139,9 @@ TEST(NothingLost, IniWritesGoThroughLinksAndKeepOwnerGroupAndAttributes) {
   Write(Dir / "real.ini", "[s]\r\nk=1\r\n");
   fs::create_symlink("real.ini", Dir / "link.ini");
   const bool Root = geteuid() == 0;
-  if (Root) ASSERT_EQ(chown((Dir / "real.ini").c_str(), 1234, 5678), 0);
+  if (Root) {
+    ASSERT_EQ(chown((Dir / "real.ini").c_str(), 1234, 5678), 0);
+  }
   const bool Xattrs = setxattr((Dir / "real.ini").c_str(), "user.origin", "vendor", 6, 0) == 0;
   auto WriteKey = [&](const std::string& Name, const std::string& Key) {
     return RunZt(Dir.Path(), "actions:\n  - action: Write Ini File\n    IniFile: ./" + Name +
