@@ -11,12 +11,12 @@
 #include <filesystem>
 #include <fstream>
 #include <future>
-#include <iterator>
 #include <string>
 #include <vector>
 
 #include "ZtRunner.h"
 #include "support/TempDir.h"
+#include "tests/platform/file_util.h"
 
 namespace zt::testing {
 namespace {
@@ -26,19 +26,7 @@ using Lines = std::vector<std::string>;
 
 void Write(const std::string& Path, const std::string& Text) {
   fs::create_directories(fs::path(Path).parent_path());
-  std::ofstream(Path, std::ios::binary) << Text;
-}
-
-std::string Read(const std::string& Path) {
-  std::ifstream In(Path, std::ios::binary);
-  return std::string(std::istreambuf_iterator<char>(In), std::istreambuf_iterator<char>());
-}
-
-Lines Names(const std::string& Dir) {
-  Lines N;
-  for (const auto& E : fs::directory_iterator(Dir)) N.push_back(E.path().filename().string());
-  std::sort(N.begin(), N.end());
-  return N;
+  WriteText(Path, Text);
 }
 
 // A file of Size bytes that takes no space (its data is one hole).
@@ -84,8 +72,8 @@ TEST(NothingLost, MoveOntoAFullDiskKeepsTheOldTarget) {
             (Lines{"Moving files : report.dat -> " + Disk.Path(),
                    " --> Error Moving File : report.dat -> " + Disk.Path() + "/report.dat",
                    " --> There is not enough space on the disk", "0 Files Moved."}));
-  EXPECT_EQ(Read(Disk / "report.dat"), "last week's report");
-  EXPECT_EQ(Names(Disk.Path()), Lines{"report.dat"});
+  EXPECT_EQ(ReadText(Disk / "report.dat"), "last week's report");
+  EXPECT_EQ(ListNames(Disk.Path()), Lines{"report.dat"});
   EXPECT_EQ(fs::file_size(Dir / "report.dat"), 3u << 20);
 }
 
@@ -102,8 +90,8 @@ TEST(NothingLost, MoveAcrossFileSystemsStoppedTwiceLeavesBothFilesWhole) {
   ASSERT_FALSE(R.Events.empty());
   EXPECT_EQ(R.Events.back()["event"], "build-end");
   EXPECT_EQ(R.Events.back()["result"], "stopped");
-  EXPECT_EQ(Read(Dir / "out/big.bin"), "old");
-  EXPECT_EQ(Names(Dir / "out"), Lines{"big.bin"});
+  EXPECT_EQ(ReadText(Dir / "out/big.bin"), "old");
+  EXPECT_EQ(ListNames(Dir / "out"), Lines{"big.bin"});
   EXPECT_EQ(fs::file_size(Shm / "big.bin"), std::uintmax_t{16} << 30);
 }
 
@@ -125,7 +113,7 @@ TEST(NothingLost, TwoBuildsWritingOneIniFileKeepEveryKey) {
   ZtResult R = First.get();
   ASSERT_EQ(R.ExitCode, 0) << R.Stdout;
   ASSERT_EQ(Second.ExitCode, 0) << Second.Stdout;
-  const std::string Text = Read(Ini);
+  const std::string Text = ReadText(Ini);
   int Keys = 0;
   for (const char* Prefix : {"a", "b"})
     for (int I = 0; I < 200; ++I)
@@ -149,7 +137,7 @@ TEST(NothingLost, IniWritesGoThroughLinksAndKeepOwnerGroupAndAttributes) {
   };
   ASSERT_EQ(WriteKey("link.ini", "j").ExitCode, 0);
   EXPECT_TRUE(fs::is_symlink(Dir / "link.ini"));
-  EXPECT_EQ(Read(Dir / "real.ini"), "[s]\r\nk=1\r\nj=2\r\n");
+  EXPECT_EQ(ReadText(Dir / "real.ini"), "[s]\r\nk=1\r\nj=2\r\n");
   struct stat St;
   ASSERT_EQ(stat((Dir / "real.ini").c_str(), &St), 0);
   if (Root) {
@@ -163,9 +151,9 @@ TEST(NothingLost, IniWritesGoThroughLinksAndKeepOwnerGroupAndAttributes) {
   // A file with a second name is changed where it is: both names see it.
   fs::create_hard_link(Dir / "real.ini", Dir / "hard.ini");
   ASSERT_EQ(WriteKey("hard.ini", "h").ExitCode, 0);
-  EXPECT_EQ(Read(Dir / "real.ini"), "[s]\r\nk=1\r\nj=2\r\nh=2\r\n");
+  EXPECT_EQ(ReadText(Dir / "real.ini"), "[s]\r\nk=1\r\nj=2\r\nh=2\r\n");
   EXPECT_TRUE(fs::equivalent(Dir / "real.ini", Dir / "hard.ini"));
-  EXPECT_EQ(Names(Dir.Path()), (Lines{"hard.ini", "link.ini", "log.jsonl", "project.yml", "real.ini"}));
+  EXPECT_EQ(ListNames(Dir.Path()), (Lines{"hard.ini", "link.ini", "log.jsonl", "project.yml", "real.ini"}));
 }
 
 TEST(NothingLost, RecursiveCopyIntoItsOwnSubFolderCopiesTheTreeOnce) {
@@ -181,8 +169,8 @@ TEST(NothingLost, RecursiveCopyIntoItsOwnSubFolderCopiesTheTreeOnce) {
 )");
   EXPECT_EQ(R.ExitCode, 0) << R.Stdout;
   EXPECT_EQ(StatusDetails(R, "1"), (Lines{"Copying files : tree/* -> tree/sub", "2 Files Copied."}));
-  EXPECT_EQ(Names(Dir / "tree/sub"), (Lines{"a.txt", "d"}));
-  EXPECT_EQ(Read(Dir / "tree/sub/d/b.txt"), "b");
+  EXPECT_EQ(ListNames(Dir / "tree/sub"), (Lines{"a.txt", "d"}));
+  EXPECT_EQ(ReadText(Dir / "tree/sub/d/b.txt"), "b");
 }
 
 TEST(NothingLost, RecursiveCopyStopsWhereALinkLeadsBackUpTheTree) {
@@ -199,8 +187,8 @@ TEST(NothingLost, RecursiveCopyStopsWhereALinkLeadsBackUpTheTree) {
 )");
   EXPECT_EQ(R.ExitCode, 0) << R.Stdout;
   EXPECT_EQ(StatusDetails(R, "1"), (Lines{"Copying files : tree/* -> out", "2 Files Copied."}));
-  EXPECT_EQ(Names(Dir / "out"), (Lines{"a.txt", "d"}));
-  EXPECT_EQ(Names(Dir / "out/d"), Lines{"b.txt"});
+  EXPECT_EQ(ListNames(Dir / "out"), (Lines{"a.txt", "d"}));
+  EXPECT_EQ(ListNames(Dir / "out/d"), Lines{"b.txt"});
 }
 
 }  // namespace
