@@ -297,6 +297,9 @@ TEST(RunProgramEndToEnd, ValidateNamesTheMissingSetting) {
   EXPECT_EQ(R.Stdout,
             "1 Execute Program: Program: The program to execute has not been set\n"
             "2 Run DOS Command: DOS Command: The DOS command has not been set\n");
+  // The base's time-out comes first in the property grid.
+  R = RunZtArgs(D.Path(), {"help", "Execute Program"});
+  EXPECT_NE(R.Stdout.find("  EnableTimeout: Boolean = false\n      caption: Enable Time-out\n"), std::string::npos);
 }
 
 }  // namespace
