@@ -21,7 +21,8 @@ enum class StreamTarget {
   Inherit,     // the host's own stream
   Pipe,        // a pipe the host reads (Pump)
   Null,        // /dev/null
-  SameAsOutput // the error stream only: wherever the output stream goes
+  SameAsOutput, // the error stream only: wherever the output stream goes
+  HostError     // the output stream only: the host's own error stream
 };
 
 struct ChildProcessOptions {

@@ -66,6 +66,7 @@ int RunCommand(const CommandOptions& O, std::ostream& Err) {
 
   BuildLog Log;
   Runner R(P, Log, Overrides);
+  if (JsonToStdout) R.Processes().SendUncapturedOutputToErrorStream();
   if (O.Strict && ValidateActions(O, P, /*EnabledOnly=*/true, Err, Annotate)) return kExitCannotLoad;
 
   JsonLog* Json = nullptr;

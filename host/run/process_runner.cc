@@ -102,7 +102,8 @@ bool ProcessRunner::ExecuteProcess(frame::TZTExecuteAbstractAction& A) {
     O.Output = pf::StreamTarget::Pipe;
     O.Error = A.GetRedirectStdErr() ? pf::StreamTarget::SameAsOutput : pf::StreamTarget::Pipe;
   } else {
-    std::fflush(stdout);  // the console log's lines come first
+    if (UncapturedToError_) O.Output = pf::StreamTarget::HostError;
+    std::fflush(nullptr);  // the console log's lines come first
   }
 
   std::unique_ptr<pf::ChildProcess> Child;

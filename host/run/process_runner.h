@@ -25,6 +25,9 @@ class ProcessRunner : public frame::IZTProcessRunner {
   static constexpr int kGraceMs = 2000;
 
   explicit ProcessRunner(HostLine Line) : HostLine_(std::move(Line)) {}
+  // Output that is not captured goes to zt's standard error instead of its
+  // standard output (which then carries the JSON log).
+  void SendUncapturedOutputToErrorStream() { UncapturedToError_ = true; }
 
   bool ExecuteProcess(frame::TZTExecuteAbstractAction& Action) override;
   // Success: exit code 0 when waiting, 259 when not; never after the run
@@ -53,6 +56,7 @@ class ProcessRunner : public frame::IZTProcessRunner {
   void SendBatch(Run& R);
 
   HostLine HostLine_;
+  bool UncapturedToError_ = false;
   std::mutex Mutex_;     // guards Current_->Child and Current_->Terminate against TerminateProcess
   Run* Current_ = nullptr;  // the run going on; written by the build thread under Mutex_
 };

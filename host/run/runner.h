@@ -40,6 +40,7 @@ class Runner : public frame::IZTActionHost {
   void Abandon();
 
   const Variables& Vars() const { return Vars_; }
+  ProcessRunner& Processes() { return Processes_; }
   Expander& GetExpander() { return Expander_; }
   BuildLog& Log() { return Log_; }
 

@@ -70,6 +70,7 @@ DWORD ChildProcess::Start(const ChildProcessOptions& Options, std::unique_ptr<Ch
   bool PipesMade = true;
   auto Target = [&PipesMade](StreamTarget T, int Fds[2]) -> int {
     if (T == StreamTarget::Null) return posix::kNullFd;
+    if (T == StreamTarget::HostError) return STDERR_FILENO;
     if (T != StreamTarget::Pipe) return -1;
     PipesMade = PipesMade && MakePipe(Fds);
     return Fds[1];

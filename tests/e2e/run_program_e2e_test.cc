@@ -8,6 +8,7 @@
 #include <chrono>
 #include <filesystem>
 #include <fstream>
+#include <sstream>
 #include <string>
 #include <thread>
 #include <vector>
@@ -117,6 +118,20 @@ TEST(RunProgramEndToEnd, OutputReachesTheLogAsLinesWithoutLoss) {
   // A long line arrives whole; bytes that are not UTF-8 become U+FFFD in the JSON log.
   EXPECT_EQ(StatusDetails(R, "6"), (Lines{std::string(300000, 'x') + "caf\xEF\xBF\xBD"}));
   EXPECT_EQ(StatusDetails(R, "7"), (Lines{"eight+ \"quoted\" \\back\\slash", "12345678\"", "tab\\t\tabcdefgh\\"}));
+}
+
+TEST(RunProgramEndToEnd, OutputThatIsNotCapturedStaysOutOfAJsonLogOnStandardOutput) {
+  TempDir D;
+  Write(D / "project.yml", R"(actions:
+  - action: Run DOS Command
+    Command: echo not captured
+    CaptureOutput: false
+)");
+  ZtResult R = RunZtArgs(D.Path(), {"run", "project.yml", "--log-json", "-"});
+  EXPECT_EQ(R.ExitCode, 0) << R.Stderr;
+  EXPECT_NE(R.Stderr.find("not captured\n"), std::string::npos);
+  std::istringstream Json(R.Stdout);
+  for (std::string Line; std::getline(Json, Line);) EXPECT_TRUE(nlohmann::json::accept(Line)) << Line;
 }
 
 TEST(RunProgramEndToEnd, LiveOutputReachesTheLogWhileTheProgramRuns) {
