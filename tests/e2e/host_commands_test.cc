@@ -39,6 +39,9 @@ TEST(HostCommandsTest, ValidateOfAValidProjectExitsZero) {
   ZtResult R = RunZt(D.Path(), "actions:\n  - action: Delete File(s)\n    FileSpec: a\n", {}, "validate");
   EXPECT_EQ(R.ExitCode, 0);
   EXPECT_EQ(R.Stdout, "project.yml: 1 action, no errors\n");
+  R = RunZt(D.Path(), "actions:\n  - action: Touch File(s)\n    FileSpec: a\n  - action: Touch File(s)\n    FileSpec: b\n",
+            {}, "validate");
+  EXPECT_EQ(R.Stdout, "project.yml: 2 actions, no errors\n");
   R = RunZt(D.Path(), "actions:\n  - action: Nothing\n", {}, "validate");
   EXPECT_EQ(R.ExitCode, 2);
 }

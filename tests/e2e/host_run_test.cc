@@ -65,9 +65,9 @@ TEST(HostRunTest, JsonLogOnStandardOutputCarriesTimesLinesAndTheFailedAction) {
 actions:
   - action: Create Directory
     FileOrDirectory: out
-  - action: Delete File(s)
-    title: Clean temporary files
-    FileSpec: nothing/*.tmp
+  - action: Create Directory
+    title: "Make: the dir, now"
+    FileOrDirectory: missing/dir
 )";
   ZtResult R = RunZtArgs(D.Path(), {"run", "project.yml", "--log-json", "-", "--annotations", "github"});
   EXPECT_EQ(R.ExitCode, 1) << R.Stderr;
@@ -91,8 +91,10 @@ actions:
   EXPECT_EQ(Events[4]["file"], "project.yml");
   EXPECT_EQ(Events[4]["line"], 5);
   EXPECT_EQ(Events[8]["failed"], "2");
-  EXPECT_NE(R.Stderr.find("\nproject.yml:5: [2] Clean temporary files: 0 Files Deleted.\n"
-                          "::error file=project.yml,line=5,title=[2] Clean temporary files::0 Files Deleted.\n"),
+  // GitHub's escapes: ':' and ',' only in the title, which is a property.
+  EXPECT_NE(R.Stderr.find("\nproject.yml:5: [2] Make: the dir, now: Unable to Create directory : missing/dir\n"
+                          "::error file=project.yml,line=5,title=[2] Make%3A the dir%2C now::Unable to Create "
+                          "directory : missing/dir\n"),
             std::string::npos)
       << R.Stderr;
 }
