@@ -88,6 +88,15 @@ class IZTActionHost {
   // those actions.
   virtual IZTLoopRunner* GetLoopRunner() { return nullptr; }
   virtual IZTProcessRunner* GetProcessRunner() { return nullptr; }
+  // ExpandExpression that also counts the references of Text it replaced.
+  // With FailOnUnknown false, a reference to an undefined name stays in the
+  // text as written instead of raising EZTExpandError. Hosts that do not
+  // offer it raise std::logic_error.
+  virtual std::string ExpandExpressionCounted(TZTAction& Action, const std::string& Text, bool FailOnUnknown,
+                                              int& ReplaceCount) {
+    (void)Action, (void)Text, (void)FailOnUnknown, (void)ReplaceCount;
+    throw std::logic_error("this host does not count replaced references");
+  }
 };
 
 // Class description: the identity of an action type (Delphi's class
@@ -235,6 +244,11 @@ class TCustomZTAction : public TZTAction {
   // Replaces %Name% references; raises EZTExpandError for an undefined name.
   std::string ExpandExpression(const std::string& Text, bool IsName = true) {
     return Host().ExpandExpression(*this, Text, IsName);
+  }
+  // As above, and counts the references replaced; with FailOnUnknown false
+  // an undefined name stays in the text as written instead of raising.
+  std::string ExpandExpression(const std::string& Text, int& ReplaceCount, bool FailOnUnknown) {
+    return Host().ExpandExpressionCounted(*this, Text, FailOnUnknown, ReplaceCount);
   }
   // False after the host has logged a line naming PropertyTitle.
   bool TryExpandExpression(const std::string& PropertyTitle, const std::string& Text, bool IsName,

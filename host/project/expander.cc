@@ -76,48 +76,68 @@ std::string Expander::Expand(const std::string& Text, const Variables& Vars) {
   if (!NeedsExpansion(Text)) return Text;
   std::string Out;
   Out.reserve(Text.size());
-  std::vector<std::string> Chain;
-  Append(Text, Vars, Chain, Out);
+  Pass P(Vars, /*Keep=*/false);
+  Append(Text, P, Out);
   return Out;
 }
 
-void Expander::Append(const std::string& Text, const Variables& Vars, std::vector<std::string>& Chain,
-                      std::string& Out) {
+std::string Expander::ExpandCounting(const std::string& Text, const Variables& Vars, bool FailOnUnknown,
+                                     int& Replaced) {
+  Replaced = 0;
+  if (!NeedsExpansion(Text)) return Text;
+  std::string Out;
+  Out.reserve(Text.size());
+  Pass P(Vars, /*Keep=*/!FailOnUnknown);
+  AppendPieces(Tokenize(Text), P, Out);
+  Replaced = P.Replaced;
+  return Out;
+}
+
+void Expander::Append(const std::string& Text, Pass& P, std::string& Out) {
   if (!NeedsExpansion(Text)) {
     Out += Text;
     return;
   }
-  auto P = PiecesOf(Text);
-  for (const Piece& Item : *P) {
+  AppendPieces(*PiecesOf(Text), P, Out);
+}
+
+void Expander::AppendPieces(const Pieces& Items, Pass& P, std::string& Out) {
+  std::vector<std::string>& Chain = P.Chain;
+  for (const Piece& Item : Items) {
     if (!Item.IsReference) {
       Out += Item.Text;
       continue;
     }
-    const TZTVariant* Own = Vars.FindProject(Item.Text);
+    const TZTVariant* Own = P.Vars.FindProject(Item.Text);
     if (!Own) {
-      auto Value = Vars.Lookup(Item.Text);
-      if (!Value) throw UndefinedVariable(Item.Text, Chain.empty() ? "" : Chain.back());
-      Out += Value->AsString();
-      continue;
-    }
-    if (Own->Kind() != TZTVariant::TKind::String) {
-      Out += Own->AsString();
-      continue;
-    }
-    for (std::size_t I = 0; I < Chain.size(); ++I)
-      if (LowerCase(Chain[I]) == LowerCase(Item.Text)) {
-        std::vector<std::string> Cycle(Chain.begin() + static_cast<std::ptrdiff_t>(I), Chain.end());
-        Cycle.push_back(Item.Text);
-        throw VariableCycle(std::move(Cycle));
+      auto Value = P.Vars.Lookup(Item.Text);
+      if (Value) {
+        Out += Value->AsString();
+      } else if (P.KeepUnknown) {
+        Out += '%' + Item.Text + '%';
+        continue;
+      } else {
+        throw UndefinedVariable(Item.Text, Chain.empty() ? "" : Chain.back());
       }
-    if (Chain.size() == kMaxNesting)
-      throw ExpansionError("Variable \"" + Item.Text + "\" nests references more than " +
-                           std::to_string(kMaxNesting) + " levels deep");
-    Chain.push_back(Item.Text);
-    Append(Own->AsString(), Vars, Chain, Out);
-    Chain.pop_back();
-    if (Out.size() > kMaxExpandedSize)
-      throw ExpansionError("Variable \"" + Item.Text + "\" expands to more than 256 MiB");
+    } else if (Own->Kind() != TZTVariant::TKind::String) {
+      Out += Own->AsString();
+    } else {
+      for (std::size_t I = 0; I < Chain.size(); ++I)
+        if (LowerCase(Chain[I]) == LowerCase(Item.Text)) {
+          std::vector<std::string> Cycle(Chain.begin() + static_cast<std::ptrdiff_t>(I), Chain.end());
+          Cycle.push_back(Item.Text);
+          throw VariableCycle(std::move(Cycle));
+        }
+      if (Chain.size() == kMaxNesting)
+        throw ExpansionError("Variable \"" + Item.Text + "\" nests references more than " +
+                             std::to_string(kMaxNesting) + " levels deep");
+      Chain.push_back(Item.Text);
+      Append(Own->AsString(), P, Out);
+      Chain.pop_back();
+      if (Out.size() > kMaxExpandedSize)
+        throw ExpansionError("Variable \"" + Item.Text + "\" expands to more than 256 MiB");
+    }
+    if (Chain.empty()) ++P.Replaced;
   }
 }
 

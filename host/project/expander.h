@@ -53,6 +53,12 @@ class Expander {
  public:
   // Throws UndefinedVariable or VariableCycle.
   std::string Expand(const std::string& Text, const Variables& Vars);
+  // As Expand, and counts in Replaced the references of Text that were
+  // replaced (a reference inside a variable's value is part of that
+  // variable's). With FailOnUnknown false, a reference to a name that no
+  // variable has stays as written instead of raising; a cycle still raises.
+  // Text is tokenized without the cache: such texts are whole files, used once.
+  std::string ExpandCounting(const std::string& Text, const Variables& Vars, bool FailOnUnknown, int& Replaced);
 
   // Number of distinct texts tokenized so far (for tests of the cache).
   std::size_t CachedTexts() const;
@@ -63,11 +69,20 @@ class Expander {
     std::string Text;  // literal text, or the variable name
   };
   using Pieces = std::vector<Piece>;
+  // One expansion: the variables being expanded, what to do with unknown
+  // names, and how many references of the outer text were replaced.
+  struct Pass {
+    Pass(const Variables& V, bool Keep) : Vars(V), KeepUnknown(Keep) {}
+    const Variables& Vars;
+    bool KeepUnknown;
+    int Replaced = 0;
+    std::vector<std::string> Chain;
+  };
   static Pieces Tokenize(const std::string& Text);
   std::shared_ptr<const Pieces> PiecesOf(const std::string& Text);
-  // Appends Text expanded to Out; Chain holds the variables being expanded.
-  void Append(const std::string& Text, const Variables& Vars, std::vector<std::string>& Chain,
-              std::string& Out);
+  // Append Text (or its pieces) expanded to Out.
+  void Append(const std::string& Text, Pass& P, std::string& Out);
+  void AppendPieces(const Pieces& Items, Pass& P, std::string& Out);
 
   mutable std::mutex Mutex_;  // scripts may expand from another thread than the build's
   std::unordered_map<std::string, std::shared_ptr<const Pieces>> Cache_;

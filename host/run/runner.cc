@@ -137,6 +137,15 @@ std::string Runner::ExpandExpression(frame::TZTAction&, const std::string& Text,
   }
 }
 
+std::string Runner::ExpandExpressionCounted(frame::TZTAction&, const std::string& Text, bool FailOnUnknown,
+                                            int& ReplaceCount) {
+  try {
+    return Expander_.ExpandCounting(Text, Vars_, FailOnUnknown, ReplaceCount);
+  } catch (const ExpansionError& E) {
+    throw frame::EZTExpandError(E.what());
+  }
+}
+
 bool Runner::TryExpandExpression(frame::TZTAction& Action, const std::string& PropertyTitle, const std::string& Text,
                                  bool, std::string& Result) {
   try {
@@ -164,7 +173,8 @@ void Runner::AddNewVariable(const std::string& Name, const frame::TZTVariant& Va
 void Runner::GetVariablesList(frame::TStrings& List, bool IncludePredefined) {
   for (const auto& [Name, Value] : Vars_.Project()) List.Add(Name);
   if (IncludePredefined)
-    for (const auto& [Name, Value] : Vars_.Predefined()) List.Add(Name);
+    for (const auto& [Name, Value] : Vars_.Predefined())
+      if (!Vars_.FindProject(Name)) List.Add(Name);  // a project variable of that name hides it
 }
 
 void Runner::SendMessage(frame::TZTAction& Action, const std::string& Text) {

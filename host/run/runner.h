@@ -74,6 +74,8 @@ class Runner : public frame::IZTActionHost {
   std::shared_ptr<frame::IZTStringBuilder> CreateStringBuilder() override { return nullptr; }
   frame::IZTLoopRunner* GetLoopRunner() override { return &Loops_; }
   frame::IZTProcessRunner* GetProcessRunner() override { return &Processes_; }
+  std::string ExpandExpressionCounted(frame::TZTAction& Action, const std::string& Text, bool FailOnUnknown,
+                                      int& ReplaceCount) override;
 
  private:
   Project& Project_;

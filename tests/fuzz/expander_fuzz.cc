@@ -1,6 +1,8 @@
 // %NAME% expansion. Input: lines "NAME=value" define variables, up to a line
 // "--"; the rest is the text to expand. Undefined names and cycles are
-// errors the caller reports, never crashes.
+// errors the caller reports, never crashes. The counting expansion gives
+// the same text wherever the plain one succeeds, and keeping unknown names
+// never raises for them.
 #include <cstdint>
 #include <stdexcept>
 #include <string>
@@ -24,10 +26,19 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* Data, std::size_t Size
   }
   std::string Text = Pos < In.size() ? In.substr(Pos) : std::string();
   zt::host::Expander E;
+  int Replaced = 0;
   try {
     std::string Once = E.Expand(Text, Vars);
     // The cache must give the same answer the second time.
     if (E.Expand(Text, Vars) != Once) __builtin_trap();
+    if (E.ExpandCounting(Text, Vars, /*FailOnUnknown=*/true, Replaced) != Once) __builtin_trap();
+  } catch (const std::runtime_error&) {
+  }
+  try {
+    E.ExpandCounting(Text, Vars, /*FailOnUnknown=*/false, Replaced);
+    if (Replaced < 0) __builtin_trap();
+  } catch (const zt::host::UndefinedVariable&) {
+    __builtin_trap();
   } catch (const std::runtime_error&) {
   }
   return 0;

@@ -65,5 +65,34 @@ TEST_F(ExpanderTest, TokenizesEachTextOnceAndSkipsTextsWithoutPercent) {
   EXPECT_EQ(E.CachedTexts(), 1u);
 }
 
+// The counting entry point: references of the text itself count, those
+// inside a variable's value do not; unknown names stay when asked.
+TEST_F(ExpanderTest, CountingExpansionCountsTheTextsOwnReferences) {
+  Vars.Set("DIST", "%OUT%/app-%Count%");
+  struct Case {
+    std::string Text;
+    bool FailOnUnknown;
+    std::string Expected;
+    int Replaced;
+  } Cases[] = {
+      {"no references", true, "no references", 0},
+      {"%OUT% and %out% 100%% $$(x)", true, "build/out and build/out 100% $(x)", 2},
+      {"%DIST%", true, "build/out/app-3", 1},
+      {"a %NOPE% b %Count%", false, "a %NOPE% b 3", 1},
+      {"%Cyc%-%NOPE%", false, "x-%NOPE2%-%NOPE%", 1},
+  };
+  Vars.Set("Cyc", "x-%NOPE2%");
+  for (const Case& C : Cases) {
+    int Replaced = -1;
+    EXPECT_EQ(E.ExpandCounting(C.Text, Vars, C.FailOnUnknown, Replaced), C.Expected) << C.Text;
+    EXPECT_EQ(Replaced, C.Replaced) << C.Text;
+  }
+  EXPECT_EQ(E.CachedTexts(), 2u);  // the values of DIST and Cyc; never the texts themselves
+  int Replaced = 0;
+  EXPECT_THROW(E.ExpandCounting("a %NOPE% b", Vars, /*FailOnUnknown=*/true, Replaced), UndefinedVariable);
+  Vars.Set("Loop", "%Loop%");
+  EXPECT_THROW(E.ExpandCounting("%Loop%", Vars, /*FailOnUnknown=*/false, Replaced), VariableCycle);
+}
+
 }  // namespace
 }  // namespace zt::host
