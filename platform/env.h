@@ -104,6 +104,7 @@ class Env {
   virtual int FileSetDate(THandle Handle, int Age) = 0;
 
   virtual bool WriteFileAtomically(const std::string& Path, const std::string& Contents) = 0;
+  virtual bool WriteFileAtomically(const std::string& Path, const std::string& Head, THandle Tail) = 0;
 
   // ---- Registry services (contracts in registry.h) ----
 
@@ -178,6 +179,9 @@ class EnvWrapper : public Env {
   int FileSetDate(THandle Handle, int Age) override { return Target_->FileSetDate(Handle, Age); }
   bool WriteFileAtomically(const std::string& Path, const std::string& Contents) override {
     return Target_->WriteFileAtomically(Path, Contents);
+  }
+  bool WriteFileAtomically(const std::string& Path, const std::string& Head, THandle Tail) override {
+    return Target_->WriteFileAtomically(Path, Head, Tail);
   }
   DWORD RegOpenKeyExA(HKEY Key, const std::string& SubKey, DWORD Access, HKEY& Result) override {
     return Target_->RegOpenKeyExA(Key, SubKey, Access, Result);

@@ -131,6 +131,10 @@ bool WriteFileAtomically(const std::string& Path, const std::string& Contents) {
   return Env::Default()->WriteFileAtomically(Path, Contents);
 }
 
+bool WriteFileAtomically(const std::string& Path, const std::string& Head, THandle Tail) {
+  return Env::Default()->WriteFileAtomically(Path, Head, Tail);
+}
+
 bool ReadWholeFile(const std::string& Path, std::string& Contents) {
   Contents.clear();
   THandle H = FileOpen(Path, fmOpenRead | fmShareDenyNone);

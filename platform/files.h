@@ -142,6 +142,11 @@ int FileSetDate(THandle Handle, int Age);           // 0, or a Windows error cod
 // changes. A read-only Path, or one that is no regular file, gives
 // ERROR_ACCESS_DENIED and stays as it was.
 bool WriteFileAtomically(const std::string& Path, const std::string& Contents);
+// The same with Contents made of Head followed by the whole of the open file
+// Tail, which may be open on Path itself (prepending). Tail is copied from
+// file to file, so memory use does not grow with its size (except where the
+// file must be rewritten in place: it is read first there).
+bool WriteFileAtomically(const std::string& Path, const std::string& Head, THandle Tail);
 // Reads a whole file into Contents; false with the last error set on failure.
 bool ReadWholeFile(const std::string& Path, std::string& Contents);
 // The same from the start of an open file.
@@ -171,6 +176,9 @@ class TFileUpdate {
   // Writes Contents as WriteFileAtomically does. A file that Begin created
   // and no Commit filled is removed again when the update ends.
   bool Commit(const std::string& Contents);
+  // The same with Head followed by the file's own contents (prepending),
+  // copied from file to file rather than read.
+  bool CommitBefore(const std::string& Head);
 
  private:
   void End();

@@ -90,7 +90,10 @@ std::string TIniFile::ReadString(const std::string& Section, const std::string& 
   TIniText Doc = Load(FileName_);
   ini::TIniLocation Loc = ini::Locate(Doc.Text, ini::TrimBlanks(Section), ini::TrimBlanks(Ident), true);
   if (Loc.KeyFound) return ReadValue(Loc.Key.Value);
-  return std::string(ini::LimitUtf16Units(ini::TrimTrailingBlanks(Default), kMaxReadUnits));
+  // Windows drops the default's trailing spaces, but not its tabs.
+  std::string_view D = Default;
+  D = D.substr(0, D.find_last_not_of(' ') + 1);
+  return std::string(ini::LimitUtf16Units(D, kMaxReadUnits));
 }
 
 int TIniFile::ReadInteger(const std::string& Section, const std::string& Ident, int Default) const {

@@ -32,7 +32,7 @@ class TIniFile {
 
   // The value of Ident in the first section named Section, without
   // surrounding blanks and one pair of quotes, or Default without its
-  // trailing blanks when the file, section or key is missing. At most
+  // trailing spaces (tabs stay) when the file, section or key is missing. At most
   // 2047 UTF-16 code units come back (Delphi's 2048-character buffer).
   std::string ReadString(const std::string& Section, const std::string& Ident, const std::string& Default) const;
   // ReadString read with TryStrToInt; Default when that fails.

@@ -7,6 +7,9 @@
 //    temporary file cannot take (a user cannot give a file away), is
 //    rewritten in place after its space is reserved: every name sees the
 //    change, and a full disk refuses it before a byte changes.
+// A tail file after the new head is copied into the temporary file from
+// file to file; a rewrite in place reads it first, since it may be the very
+// file being rewritten.
 #include <errno.h>
 #include <fcntl.h>
 #include <stdio.h>
@@ -74,6 +77,30 @@ DWORD RewriteInPlace(const std::string& Path, const std::string& Contents) {
   return Error;
 }
 
+// Rewrites Path in place with Head and the whole of Tail, which is read
+// before a byte is written: it may be open on Path itself.
+bool RewriteWithTail(const std::string& Path, const std::string& Head, THandle Tail) {
+  std::string Contents = Head, Rest;
+  if (Tail != INVALID_HANDLE_VALUE) {
+    if (!ReadWholeFile(Tail, Rest)) return false;
+    Contents += Rest;
+  }
+  DWORD Error = RewriteInPlace(Path, Contents);
+  return Error == ERROR_SUCCESS || Fail(Error);
+}
+
+// Copies the whole of Tail into Fd after its first At bytes, chunk by chunk
+// through the installed Env (tests can fail it; a stop cancels it).
+DWORD CopyTail(THandle Tail, int Fd, std::size_t At) {
+  if (lseek(Fd, static_cast<off_t>(At), SEEK_SET) < 0 || lseek(static_cast<int>(Tail), 0, SEEK_SET) < 0)
+    return ErrnoToWindowsError(errno);
+  std::int64_t Copied = 0;
+  do {
+    if (DWORD Error = Env::Default()->CopyChunk(Tail, Fd, std::int64_t{16} << 20, Copied)) return Error;
+  } while (Copied > 0);
+  return ERROR_SUCCESS;
+}
+
 }  // namespace
 
 std::string FinalTarget(const std::string& Path) {
@@ -89,15 +116,16 @@ std::string FinalTarget(const std::string& Path) {
 }
 
 bool PosixEnv::WriteFileAtomically(const std::string& Path, const std::string& Contents) {
+  return WriteFileAtomically(Path, Contents, INVALID_HANDLE_VALUE);
+}
+
+bool PosixEnv::WriteFileAtomically(const std::string& Path, const std::string& Head, THandle Tail) {
   const std::string File = FinalTarget(Path);
   struct stat Old;
   const bool Exists = stat(File.c_str(), &Old) == 0;
   if (Exists && (CheckWritable(Old) != ERROR_SUCCESS || !S_ISREG(Old.st_mode)))
     return Fail(ERROR_ACCESS_DENIED);
-  if (Exists && Old.st_nlink > 1) {
-    DWORD Error = RewriteInPlace(File, Contents);
-    return Error == ERROR_SUCCESS || Fail(Error);
-  }
+  if (Exists && Old.st_nlink > 1) return RewriteWithTail(File, Head, Tail);
   std::string TempPath;
   DWORD Error = ERROR_SUCCESS;
   int Fd = CreateTempBeside(File, TempPath, Error);
@@ -105,10 +133,10 @@ bool PosixEnv::WriteFileAtomically(const std::string& Path, const std::string& C
   if (Exists && !TakeOver(Fd, File, Old)) {
     close(Fd);
     RemovePendingFile(TempPath);
-    Error = RewriteInPlace(File, Contents);
-    return Error == ERROR_SUCCESS || Fail(Error);
+    return RewriteWithTail(File, Head, Tail);
   }
-  Error = WriteAll(Fd, Contents, 0);
+  Error = WriteAll(Fd, Head, 0);
+  if (Error == ERROR_SUCCESS && Tail != INVALID_HANDLE_VALUE) Error = CopyTail(Tail, Fd, Head.size());
   if (Error == ERROR_SUCCESS && fsync(Fd) != 0) Error = ErrnoToWindowsError(errno);
   if (close(Fd) != 0 && Error == ERROR_SUCCESS) Error = ErrnoToWindowsError(errno);
   if (Error == ERROR_SUCCESS) {

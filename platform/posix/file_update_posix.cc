@@ -114,4 +114,11 @@ bool TFileUpdate::Commit(const std::string& Contents) {
   return true;
 }
 
+bool TFileUpdate::CommitBefore(const std::string& Head) {
+  fcntl(static_cast<int>(Handle_), F_SETLEASE, F_UNLCK);  // as Commit
+  if (!WriteFileAtomically(Path_, Head, Handle_)) return false;
+  Created_ = false;
+  return true;
+}
+
 }  // namespace zt::platform

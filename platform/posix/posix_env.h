@@ -45,6 +45,7 @@ class PosixEnv final : public Env {
   int FileSetDate(THandle Handle, int Age) override;
 
   bool WriteFileAtomically(const std::string& Path, const std::string& Contents) override;
+  bool WriteFileAtomically(const std::string& Path, const std::string& Head, THandle Tail) override;
 
   DWORD RegOpenKeyExA(HKEY Key, const std::string& SubKey, DWORD Access, HKEY& Result) override;
   DWORD RegCreateKeyExA(HKEY Key, const std::string& SubKey, DWORD Access, HKEY& Result,

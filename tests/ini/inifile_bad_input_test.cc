@@ -5,7 +5,7 @@
 #include <random>
 #include <string>
 
-#include "ini/ini_test_files.h"
+#include "support/FileBytes.h"
 #include "platform/env.h"
 #include "platform/errors.h"
 #include "platform/files.h"

@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "ini/ini_test_files.h"
+#include "support/FileBytes.h"
 #include "platform/inifile.h"
 #include "support/TempDir.h"
 

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "ini/ini_test_files.h"
+#include "support/FileBytes.h"
 #include "platform/inifile.h"
 #include "support/TempDir.h"
 
@@ -60,7 +60,7 @@ INSTANTIATE_TEST_SUITE_P(
         ReadCase{"OnlyOnePairOfQuotesRemoved", "[s]\nk=\"\"x\"\"\n", "s", "k", "d", "\"x\""},
         ReadCase{"LoneQuoteKept", "[s]\nk=\"\n", "s", "k", "d", "\""},
         ReadCase{"QuotesInsideValueKept", "[s]\nk=a \"b\" c\n", "s", "k", "d", "a \"b\" c"},
-        ReadCase{"DefaultLosesTrailingBlanksOnly", "[s]\n", "s", "k", "  d \t ", "  d"},
+        ReadCase{"DefaultLosesTrailingSpacesOnly", "[s]\n", "s", "k", "\t d \t  ", "\t d \t"},
         ReadCase{"MissingSectionGivesDefault", "[s]\nk=1\n", "t", "k", "d", "d"},
         ReadCase{"TextAfterClosingBracketIgnored", "[s] ; note\nk=1\n", "s", "k", "d", "1"},
         ReadCase{"SectionWithoutClosingBracket", "[s\nk=1\n", "s", "k", "d", "1"},

@@ -5,7 +5,7 @@
 #include <optional>
 #include <string>
 
-#include "ini/ini_test_files.h"
+#include "support/FileBytes.h"
 #include "platform/files.h"
 #include "platform/inifile.h"
 #include "support/TempDir.h"

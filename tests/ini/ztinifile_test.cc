@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "ini/ini_test_files.h"
+#include "support/FileBytes.h"
 #include "platform/files.h"
 #include "support/ActionTesting.h"
 #include "support/FakeHost.h"

@@ -1,4 +1,4 @@
-// Whole-file helpers for the INI tests: bytes in, bytes out, nothing else.
+// Whole-file helpers for tests: bytes in, bytes out, nothing else.
 #pragma once
 
 #include <fstream>
