@@ -19,7 +19,13 @@
 #include "system/Ztcloseprocessaction.h"
 #include "system/Ztshellexecute.h"
 #include "system/Ztxcopyaction.h"
+#include "text/Ztcreatetextfileaction.h"
 #include "text/Ztinifile.h"
+#include "text/Ztlogvariablevalues.h"
+#include "text/Ztreadtextfileaction.h"
+#include "text/Ztreplacevariablesaction.h"
+#include "text/Ztvariablessaveloadaction.h"
+#include "text/Ztwritetotextfileaction.h"
 
 namespace zt::package {
 namespace {

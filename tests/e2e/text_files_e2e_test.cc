@@ -1,0 +1,209 @@
+// Create Text File, Write to Text File and Read Text File through zt: the
+// exact bytes on disk, the log lines, and that no failure loses a file.
+#include <sys/stat.h>
+
+#include <filesystem>
+
+#include <gtest/gtest.h>
+
+#include "ZtRunner.h"
+#include "support/FileBytes.h"
+#include "support/TempDir.h"
+
+namespace zt::testing {
+namespace {
+
+namespace fs = std::filesystem;
+using Lines = std::vector<std::string>;
+
+// Names in Dir, sorted: what a run left behind, temporary files included.
+Lines Entries(const std::string& Dir) {
+  Lines R;
+  for (const auto& E : fs::directory_iterator(Dir)) R.push_back(E.path().filename().string());
+  std::sort(R.begin(), R.end());
+  return R;
+}
+
+TEST(TextFilesE2E, CreateWritesExactBytesAndOverwritesOnlyWhenAsked) {
+  TempDir D;
+  WriteBytes(D / "keep.txt", "old, longer contents");
+  ZtResult R = RunZt(D.Path(), R"(
+variables:
+  VER: 1.4.2
+actions:
+  - action: Create Text File
+    NewFileName: out/sub/version.txt
+    FileContents: "v=%VER%\nsecond\r\n100%%"
+  - action: Create Text File
+    NewFileName: keep.txt
+    FileContents: other
+    ignoreFailure: true
+  - action: Create Text File
+    NewFileName: " keep.txt "
+    FileContents: "%VER%"
+    OverwriteExisting: true
+    CreateDirectory: false
+  - action: Create Text File
+    NewFileName: never.txt
+    FileContents: "%NOPE%"
+)");
+  EXPECT_EQ(R.ExitCode, 1);
+  EXPECT_EQ(Messages(R, "1"), (Lines{"File created: out/sub/version.txt"}));
+  EXPECT_EQ(ReadBytes(D / "out/sub/version.txt"), "v=1.4.2\nsecond\r\n100%");
+  EXPECT_EQ(Messages(R, "2"), (Lines{"ERROR - File already exists: keep.txt"}));
+  EXPECT_EQ(ActionResult(R, "2"), "ignored");
+  EXPECT_EQ(Messages(R, "3"), (Lines{"File created: keep.txt"}));
+  EXPECT_EQ(ReadBytes(D / "keep.txt"), "1.4.2");  // truncated and rewritten
+  // A reference that cannot be expanded fails before any file is made.
+  EXPECT_EQ(Messages(R, "4"), (Lines{"Cannot expand File Contents: variable \"NOPE\" is not defined"}));
+  EXPECT_FALSE(fs::exists(D / "never.txt"));
+}
+
+TEST(TextFilesE2E, AppendAndPrependPutCrLfBetweenOldAndNewContent) {
+  TempDir D;
+  WriteBytes(D / "append.txt", "A");
+  WriteBytes(D / "append-eol.txt", "A\n");
+  WriteBytes(D / "empty.txt", "");
+  WriteBytes(D / "prepend.txt", "A\nB");
+  WriteBytes(D / "prepend-empty.txt", "");
+  chmod((D / "prepend.txt").c_str(), 0640);
+  ZtResult R = RunZt(D.Path(), R"(
+variables:
+  NEW: "n%%1"
+actions:
+  - action: Write to Text File
+    FileName: append.txt
+    NewContent: "%NEW%"
+  - action: Write to Text File
+    FileName: append-eol.txt
+    NewContent: B
+  - action: Write to Text File
+    FileName: empty.txt
+    NewContent: B
+  - action: Write to Text File
+    FileName: prepend.txt
+    NewContent: "x\ny"
+    WriteToPosition: toStart
+  - action: Write to Text File
+    FileName: prepend-empty.txt
+    NewContent: B
+    WriteToPosition: toStart
+  - action: Write to Text File
+    FileName: created.txt
+    NewContent: "C\n"
+    CreateIfNotExists: true
+    WriteToPosition: toStart
+)");
+  EXPECT_EQ(R.ExitCode, 0) << R.Stdout;
+  EXPECT_EQ(ReadBytes(D / "append.txt"), "A\r\nn%1");
+  EXPECT_EQ(ReadBytes(D / "append-eol.txt"), "A\n\r\nB");  // the CR LF even after a line break
+  EXPECT_EQ(ReadBytes(D / "empty.txt"), "B");
+  EXPECT_EQ(ReadBytes(D / "prepend.txt"), "x\ny\r\nA\nB");
+  EXPECT_EQ(ReadBytes(D / "prepend-empty.txt"), "B");
+  EXPECT_EQ(ReadBytes(D / "created.txt"), "C\n");
+  EXPECT_EQ(fs::status(D / "prepend.txt").permissions(), fs::perms(0640));
+  EXPECT_EQ(Entries(D.Path()), (Lines{"append-eol.txt", "append.txt", "created.txt", "empty.txt", "log.jsonl",
+                                      "prepend-empty.txt", "prepend.txt", "project.yml"}));
+  for (const char* Id : {"1", "4", "6"}) EXPECT_EQ(Messages(R, Id), Lines{}) << Id;
+}
+
+TEST(TextFilesE2E, FailedWritesLeaveEveryFileAsItWas) {
+  TempDir D;
+  WriteBytes(D / "locked.txt", "old");
+  chmod((D / "locked.txt").c_str(), 0444);
+  fs::create_directory(D / "folder");
+  ZtResult R = RunZt(D.Path(), R"(
+actions:
+  - action: Write to Text File
+    FileName: missing.txt
+    NewContent: B
+    ignoreFailure: true
+  - action: Write to Text File
+    FileName: locked.txt
+    NewContent: B
+    WriteToPosition: toStart
+    ignoreFailure: true
+  - action: Write to Text File
+    FileName: locked.txt
+    NewContent: B
+    ignoreFailure: true
+  - action: Write to Text File
+    FileName: folder
+    NewContent: B
+    CreateIfNotExists: true
+    ignoreFailure: true
+  - action: Create Text File
+    NewFileName: locked.txt
+    FileContents: B
+    OverwriteExisting: true
+    ignoreFailure: true
+)");
+  EXPECT_EQ(R.ExitCode, 0) << R.Stdout;
+  EXPECT_EQ(Messages(R, "1"), (Lines{"ERROR - File doesn't exist: missing.txt"}));
+  EXPECT_EQ(Messages(R, "2"), (Lines{"Error writing to text file:",
+                                     "Could not open target file for writing : Cannot open file \"locked.txt\". "
+                                     "Access is denied"}));
+  EXPECT_EQ(Messages(R, "3"), (Lines{"Error writing to text file:", "Cannot open file \"locked.txt\". Access is denied"}));
+  EXPECT_EQ(Messages(R, "4"), (Lines{"Error writing to text file:", "Cannot create file \"folder\". Access is denied"}));
+  EXPECT_EQ(Messages(R, "5"), (Lines{"File creation failed: Cannot create file \"locked.txt\". Access is denied"}));
+  for (const char* Id : {"1", "2", "3", "4", "5"}) EXPECT_EQ(ActionResult(R, Id), "ignored") << Id;
+  EXPECT_EQ(ReadBytes(D / "locked.txt"), "old");
+  EXPECT_EQ(Entries(D.Path()), (Lines{"folder", "locked.txt", "log.jsonl", "project.yml"}));
+  EXPECT_TRUE(fs::is_empty(D / "folder"));
+}
+
+TEST(TextFilesE2E, ReadPutsContentsInAVariableThatExpandsBackToTheText) {
+  TempDir D;
+  WriteBytes(D / "in.txt", std::string("a%PATH%b$(pwd)\0c\r\nz", 20));
+  ZtResult R = RunZt(D.Path(), R"(
+actions:
+  - action: Read Text File
+    FileName: in.txt
+    ZTVariable: RAW
+    PutContentsInVar: true
+  - action: Read Text File
+    FileName: in.txt
+    ZTVariable: ESC
+    PutContentsInVar: true
+    EscapeVariables: true
+  - action: Create Text File
+    NewFileName: out.txt
+    FileContents: "%ESC%"
+  - action: Read Text File
+    FileName: in.txt
+    ZTVariable: UNUSED
+)");
+  EXPECT_EQ(R.ExitCode, 0) << R.Stdout;
+  EXPECT_EQ(Messages(R, "1"), (Lines{"Reading file...", "Done."}));
+  EXPECT_EQ(Messages(R, "2"), (Lines{"Reading file...", "Escaping variables...", "Done."}));
+  nlohmann::json Vars = FinalVariables(R);
+  EXPECT_EQ(Vars["RAW"], "a%PATH%b$(pwd)c\r\nz");  // NUL removed
+  EXPECT_EQ(Vars["ESC"], "a%%PATH%%b$$(pwd)c\r\nz");
+  EXPECT_EQ(ReadBytes(D / "out.txt"), "a%PATH%b$(pwd)c\r\nz");
+  // Without PutContentsInVar and a script the file is only opened.
+  EXPECT_EQ(Messages(R, "4"), (Lines{"Reading file...", "Done."}));
+  EXPECT_FALSE(Vars.contains("UNUSED"));
+}
+
+TEST(TextFilesE2E, ReadFailsOnAMissingFileOrAFolder) {
+  TempDir D;
+  fs::create_directory(D / "folder");
+  ZtResult R = RunZt(D.Path(), R"(
+actions:
+  - action: Read Text File
+    FileName: missing.txt
+    ZTVariable: V
+    PutContentsInVar: true
+    ignoreFailure: true
+  - action: Read Text File
+    FileName: folder
+    ZTVariable: V
+    PutContentsInVar: true
+)");
+  EXPECT_EQ(R.ExitCode, 1);
+  EXPECT_EQ(Messages(R, "1"), (Lines{"ERROR - File does not exists: missing.txt"}));
+  EXPECT_EQ(Messages(R, "2"), (Lines{"ERROR - File does not exists: folder"}));
+}
+
+}  // namespace
+}  // namespace zt::testing
