@@ -1,9 +1,9 @@
 #include "text/Ztlogvariablevalues.h"
 
+#include <strings.h>
+
 #include <algorithm>
 #include <exception>
-
-#include <strings.h>
 
 namespace zt::package {
 
@@ -40,8 +40,9 @@ bool TZTLogVariablesAction::LogAll() {
   frame::TStrings List;
   GetVariablesList(List, /*IncludePredefined=*/false);
   std::vector<std::string> Names = List.Lines();
-  std::stable_sort(Names.begin(), Names.end(),
-                   [](const std::string& A, const std::string& B) { return strcasecmp(A.c_str(), B.c_str()) < 0; });
+  std::stable_sort(Names.begin(), Names.end(), [](const std::string& A, const std::string& B) {
+    return strcasecmp(A.c_str(), B.c_str()) < 0;
+  });
   for (const std::string& Name : Names) {
     std::string Text;
     SendMessage(Name + " = " + (ValueText(Name, Text) ? Text : "(Cannot be represented as a string)"));

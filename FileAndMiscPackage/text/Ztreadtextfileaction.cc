@@ -37,7 +37,8 @@ void TZTReadTextFileAction::Publish(frame::TZTPublisher<TZTReadTextFileAction>& 
 
 TZTReadTextFileAction::TZTReadTextFileAction() { AddScript(kOnReadLine); }
 
-void TZTReadTextFileAction::InitialiseScriptParams(const std::string& ScriptName, frame::TZTScriptParams& Params) {
+void TZTReadTextFileAction::InitialiseScriptParams(const std::string& ScriptName,
+                                                   frame::TZTScriptParams& Params) {
   inherited::InitialiseScriptParams(ScriptName, Params);
   if (ScriptName != kOnReadLine) return;
   Params.push_back({"Action", {}, false});
@@ -109,7 +110,8 @@ void TZTReadTextFileAction::ReadContents(const std::string& Path, const std::str
   Lines.SetText(Bytes);
   frame::TZTScriptParams Params;
   InitialiseScriptParams(kOnReadLine, Params);
-  auto LineText = std::find_if(Params.begin(), Params.end(), [](const auto& P) { return P.Name == "LineText"; });
+  auto LineText =
+      std::find_if(Params.begin(), Params.end(), [](const auto& P) { return P.Name == "LineText"; });
   for (const std::string& Line : Lines.Lines()) {
     if (StopSignalled()) return;  // the build is stopping: the rest of the lines would be thrown away
     LineText->Value = Line;

@@ -66,7 +66,8 @@ bool TZTReplaceVariablesAction::Replace() {
 
 bool TZTReplaceVariablesAction::Load(frame::TStrings& Lines, std::string& Path) {
   if (FSourceType == rfVariable) {
-    if (!IsVariableDefined(FSourceVariable)) throw EReplaceVariablesError("Variable not defined: " + FSourceVariable);
+    if (!IsVariableDefined(FSourceVariable))
+      throw EReplaceVariablesError("Variable not defined: " + FSourceVariable);
     SendMessage("Loading data from variable " + FSourceVariable);
     Lines.SetText(GetVariableValue(FSourceVariable).AsString());
     return true;

@@ -60,7 +60,8 @@ bool TZTVariablesSaveLoadAction::ExpandFileAndSection(std::string& Path, std::st
 // ---- TZTVariablesSaveAction ----
 
 void TZTVariablesSaveAction::Publish(frame::TZTPublisher<TZTVariablesSaveAction>& P) {
-  P.Boolean("EraseSection", &TZTVariablesSaveAction::GetEraseSection, &TZTVariablesSaveAction::SetEraseSection);
+  P.Boolean("EraseSection", &TZTVariablesSaveAction::GetEraseSection,
+            &TZTVariablesSaveAction::SetEraseSection);
 }
 
 bool TZTVariablesSaveAction::Execute() {
@@ -94,7 +95,8 @@ bool TZTVariablesSaveAction::Execute() {
 void TZTVariablesLoadAction::Publish(frame::TZTPublisher<TZTVariablesLoadAction>& P) {
   using A = TZTVariablesLoadAction;
   P.Boolean("FailIfVariableNotDefined", &A::GetFailIfVariableNotDefined, &A::SetFailIfVariableNotDefined);
-  P.Boolean("FailIfVariableNotInIniFile", &A::GetFailIfVariableNotInIniFile, &A::SetFailIfVariableNotInIniFile);
+  P.Boolean("FailIfVariableNotInIniFile", &A::GetFailIfVariableNotInIniFile,
+            &A::SetFailIfVariableNotInIniFile);
   P.StringList("VariableTypes", &A::GetVariableTypes, &A::SetVariableTypes);
   P.Boolean("CreateVarInINIifNotExists", &A::GetCreateVarInINIifNotExists, &A::SetCreateVarInINIifNotExists);
   P.Boolean("IgnoreFileNotFound", &A::GetIgnoreFileNotFound, &A::SetIgnoreFileNotFound);

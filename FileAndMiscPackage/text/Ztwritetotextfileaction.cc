@@ -39,7 +39,8 @@ void TZTWriteToTextFileAction::GetPropertyHelp(frame::TStrings& List) {
   inherited::GetPropertyHelp(List);
   List.Add("NewContent=This text will be written to the file.  Any variables used will be expanded.");
   List.Add("CreateIfNotExists=Create the file if it doesn't exist");
-  List.Add("NewFileName=The location and name of the file");  // keyed as it always was: FileName shows no help
+  List.Add(
+      "NewFileName=The location and name of the file");  // keyed as it always was: FileName shows no help
   List.Add("WriteToPosition=Specify either Start or End to write the new content to");
 }
 

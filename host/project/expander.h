@@ -58,7 +58,8 @@ class Expander {
   // variable's). With FailOnUnknown false, a reference to a name that no
   // variable has stays as written instead of raising; a cycle still raises.
   // Text is tokenized without the cache: such texts are whole files, used once.
-  std::string ExpandCounting(const std::string& Text, const Variables& Vars, bool FailOnUnknown, int& Replaced);
+  std::string ExpandCounting(const std::string& Text, const Variables& Vars, bool FailOnUnknown,
+                             int& Replaced);
 
   // Number of distinct texts tokenized so far (for tests of the cache).
   std::size_t CachedTexts() const;

@@ -30,11 +30,14 @@ actions:
     VariableStorageString: "gamma\nmissing\nbeta"
 )");
   EXPECT_EQ(R.ExitCode, 1);
-  EXPECT_EQ(Messages(R, "1"), (Lines{"All variable values : ", "Alpha = 2-x", "BAD = (Cannot be represented as a string)",
-                                     "beta = 2", "gamma = True", "WHICH = beta"}));
-  EXPECT_EQ(Messages(R, "2"), (Lines{"Current variable values : ", "Alpha = 2-x", "beta = 2",
-                                     "Variable missing not defined.", "BAD = (Cannot be represented as string)"}));
-  EXPECT_EQ(Messages(R, "3"), (Lines{"Current variable values : ", "gamma = True", "Variable missing not defined."}));
+  EXPECT_EQ(Messages(R, "1"),
+            (Lines{"All variable values : ", "Alpha = 2-x", "BAD = (Cannot be represented as a string)",
+                   "beta = 2", "gamma = True", "WHICH = beta"}));
+  EXPECT_EQ(Messages(R, "2"),
+            (Lines{"Current variable values : ", "Alpha = 2-x", "beta = 2", "Variable missing not defined.",
+                   "BAD = (Cannot be represented as string)"}));
+  EXPECT_EQ(Messages(R, "3"),
+            (Lines{"Current variable values : ", "gamma = True", "Variable missing not defined."}));
   EXPECT_EQ(ActionResult(R, "3"), "failure");
 }
 
@@ -56,9 +59,9 @@ actions:
   EXPECT_EQ(R.ExitCode, 0) << R.Stdout;
   const std::string Replaced = "version=1.4.2\r\nname=zt 1.4.2 1.4.2\r\nliteral=100%\r\nlast\r\n";
   EXPECT_EQ(ReadBytes(D / "app.conf"), Replaced);
-  EXPECT_EQ(Messages(R, "1"), (Lines{"Loading data from file app.conf...", "Made 3 replacements.",
-                                     "Contents with Replaced Variables:", Replaced,
-                                     "Writing result back to source file."}));
+  EXPECT_EQ(Messages(R, "1"),
+            (Lines{"Loading data from file app.conf...", "Made 3 replacements.",
+                   "Contents with Replaced Variables:", Replaced, "Writing result back to source file."}));
   // Rewritten even without a reference.
   EXPECT_EQ(ReadBytes(D / "plain.txt"), "no references\r\nhere\r\n");
   EXPECT_EQ(Messages(R, "2")[1], "Made 0 replacements.");
@@ -105,7 +108,8 @@ actions:
   EXPECT_EQ(ReadBytes(D / "tpl.txt"), "v=%VER%");
   EXPECT_EQ(ReadBytes(D / "result.txt"), "v=2\r\n");
   EXPECT_EQ(Messages(R, "4").back(), "Writing result to source variable.");
-  EXPECT_EQ(FinalVariables(R), nlohmann::json::parse(R"({"VER":2,"TPL":"a=2\r\nb=%\r\n","OUT":"a=2\r\nb=%\r\n"})"));
+  EXPECT_EQ(FinalVariables(R),
+            nlohmann::json::parse(R"({"VER":2,"TPL":"a=2\r\nb=%\r\n","OUT":"a=2\r\nb=%\r\n"})"));
 }
 
 TEST(ReplaceVariablesE2E, MistakesFailWithoutTouchingTheSource) {

@@ -1,10 +1,9 @@
 // Create Text File, Write to Text File and Read Text File through zt: the
 // exact bytes on disk, the log lines, and that no failure loses a file.
+#include <gtest/gtest.h>
 #include <sys/stat.h>
 
 #include <filesystem>
-
-#include <gtest/gtest.h>
 
 #include "ZtRunner.h"
 #include "support/FileBytes.h"
@@ -140,12 +139,16 @@ actions:
 )");
   EXPECT_EQ(R.ExitCode, 0) << R.Stdout;
   EXPECT_EQ(Messages(R, "1"), (Lines{"ERROR - File doesn't exist: missing.txt"}));
-  EXPECT_EQ(Messages(R, "2"), (Lines{"Error writing to text file:",
-                                     "Could not open target file for writing : Cannot open file \"locked.txt\". "
-                                     "Access is denied"}));
-  EXPECT_EQ(Messages(R, "3"), (Lines{"Error writing to text file:", "Cannot open file \"locked.txt\". Access is denied"}));
-  EXPECT_EQ(Messages(R, "4"), (Lines{"Error writing to text file:", "Cannot create file \"folder\". Access is denied"}));
-  EXPECT_EQ(Messages(R, "5"), (Lines{"File creation failed: Cannot create file \"locked.txt\". Access is denied"}));
+  EXPECT_EQ(Messages(R, "2"),
+            (Lines{"Error writing to text file:",
+                   "Could not open target file for writing : Cannot open file \"locked.txt\". "
+                   "Access is denied"}));
+  EXPECT_EQ(Messages(R, "3"),
+            (Lines{"Error writing to text file:", "Cannot open file \"locked.txt\". Access is denied"}));
+  EXPECT_EQ(Messages(R, "4"),
+            (Lines{"Error writing to text file:", "Cannot create file \"folder\". Access is denied"}));
+  EXPECT_EQ(Messages(R, "5"),
+            (Lines{"File creation failed: Cannot create file \"locked.txt\". Access is denied"}));
   for (const char* Id : {"1", "2", "3", "4", "5"}) EXPECT_EQ(ActionResult(R, Id), "ignored") << Id;
   EXPECT_EQ(ReadBytes(D / "locked.txt"), "old");
   EXPECT_EQ(Entries(D.Path()), (Lines{"folder", "locked.txt", "log.jsonl", "project.yml"}));

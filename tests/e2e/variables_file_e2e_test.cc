@@ -1,9 +1,8 @@
 // Save Variables to INI and Load Variables from INI through zt: the
 // variables file byte for byte, the typed values loaded back, and the
 // failure flags with their order.
-#include <sys/stat.h>
-
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include "ZtRunner.h"
 #include "support/FileBytes.h"
@@ -72,8 +71,8 @@ actions:
     VariableTypes: [BOOLEAN, BOOLEAN, BOOLEAN, INTEGER, INTEGER, STRING]
 )");
   EXPECT_EQ(R.ExitCode, 0) << R.Stdout;
-  EXPECT_EQ(FinalVariables(R), nlohmann::json::parse(
-                                   R"j({"B1":true,"B2":false,"B3":false,"I1":5,"I2":31,"S":"%PATH% $(x)"})j"));
+  EXPECT_EQ(FinalVariables(R),
+            nlohmann::json::parse(R"j({"B1":true,"B2":false,"B3":false,"I1":5,"I2":31,"S":"%PATH% $(x)"})j"));
 }
 
 // One build, one load per case, each failing or not as its flags say.

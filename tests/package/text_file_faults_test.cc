@@ -1,9 +1,9 @@
 // Text-file actions when the disk fails in mid-write: the old content is
 // whole afterwards and no temporary file is left (the end-to-end tests cover
 // everything a real disk can show).
-#include <filesystem>
-
 #include <gtest/gtest.h>
+
+#include <filesystem>
 
 #include "platform/env.h"
 #include "platform/errors.h"
@@ -19,11 +19,12 @@ namespace {
 namespace pf = zt::platform;
 using Lines = std::vector<std::string>;
 
-// A disk that fills up once the first chunk of copied data is written.
+// A disk that fills up: after a new file's first bytes, when old bytes are
+// copied into it, and for any whole-file write.
 class FullDiskEnv : public pf::EnvWrapper {
  public:
   FullDiskEnv() : EnvWrapper(pf::Env::Platform()) {}
-  pf::DWORD CopyChunk(pf::THandle From, pf::THandle To, std::int64_t MaxBytes, std::int64_t& Copied) override {
+  pf::DWORD CopyChunk(pf::THandle, pf::THandle, std::int64_t, std::int64_t& Copied) override {
     Copied = 0;
     return pf::ERROR_DISK_FULL;
   }
