@@ -53,6 +53,29 @@ void InsertLines(std::string& Text, std::size_t At, const std::string& Lines) {
   Text.insert(At, Add);
 }
 
+// Sets Key=Value in the first section named Sec (both trimmed): the key's
+// line is rewritten with its existing spelling, or the key added at the end
+// of the section, or the section at the end of the text.
+void SetKey(std::string& Text, const std::string& Sec, const std::string& Key, const std::string& Value) {
+  ini::TIniLocation Loc = ini::Locate(Text, Sec, Key, /*StopAtKey=*/false);
+  if (Loc.KeyFound) {
+    std::string Line = std::string(Loc.Key.Name) + "=" + Value;
+    Text.replace(Loc.Key.Begin, Loc.Key.End - Loc.Key.Begin, Line);
+  } else if (Loc.SectionFound) {
+    InsertLines(Text, Loc.AppendAt, Key + "=" + Value);
+  } else {
+    InsertLines(Text, Text.size(), "[" + Sec + "]\r\n" + Key + "=" + Value);
+  }
+}
+
+// Removes the first section named Sec with all its lines; false when there is none.
+bool RemoveSection(std::string& Text, const std::string& Sec) {
+  ini::TIniLocation Loc = ini::Locate(Text, Sec, "", /*StopAtKey=*/false);
+  if (!Loc.SectionFound) return false;
+  Text.erase(Loc.SectionBegin, Loc.SectionEnd - Loc.SectionBegin);
+  return true;
+}
+
 // Calls Visit for every key line of the first section named Section.
 template <class F>
 void ForEachKey(std::string_view Text, std::string_view Section, F Visit) {
@@ -105,20 +128,18 @@ bool TIniFile::ReadBool(const std::string& Section, const std::string& Ident, bo
 }
 
 void TIniFile::WriteString(const std::string& Section, const std::string& Ident, const std::string& Value) {
-  const std::string Sec = Trimmed(Section), Key = Trimmed(Ident);
+  WriteSectionValues(Section, {{Ident, Value}}, /*EraseFirst=*/false);
+}
+
+void TIniFile::WriteSectionValues(const std::string& Section,
+                                  const std::vector<std::pair<std::string, std::string>>& Values, bool EraseFirst) {
+  const std::string Sec = Trimmed(Section);
   bool Ok = !Sec.empty();
   if (!Ok) SetLastError(ERROR_INVALID_PARAMETER);  // a nameless section could never be read back
-  Ok = Ok && Update(FileName_, /*Create=*/true, [&](std::string& Text) {
-         ini::TIniLocation Loc = ini::Locate(Text, Sec, Key, /*StopAtKey=*/false);
-         if (Loc.KeyFound) {
-           std::string Line = std::string(Loc.Key.Name) + "=" + Value;
-           Text.replace(Loc.Key.Begin, Loc.Key.End - Loc.Key.Begin, Line);
-         } else if (Loc.SectionFound) {
-           InsertLines(Text, Loc.AppendAt, Key + "=" + Value);
-         } else {
-           InsertLines(Text, Text.size(), "[" + Sec + "]\r\n" + Key + "=" + Value);
-         }
-         return true;
+  Ok = Ok && Update(FileName_, /*Create=*/!Values.empty(), [&](std::string& Text) {
+         bool Changed = EraseFirst && RemoveSection(Text, Sec);
+         for (const auto& [Ident, Value] : Values) SetKey(Text, Sec, Trimmed(Ident), Value);
+         return Changed || !Values.empty();
        });
   if (!Ok) throw EIniFileException("Unable to write to " + FileName_);
 }
@@ -163,12 +184,7 @@ std::vector<std::string> TIniFile::ReadSectionValues(const std::string& Section)
 
 void TIniFile::EraseSection(const std::string& Section) {
   const std::string Sec = Trimmed(Section);
-  bool Ok = Update(FileName_, /*Create=*/false, [&](std::string& Text) {
-    ini::TIniLocation Loc = ini::Locate(Text, Sec, "", /*StopAtKey=*/false);
-    if (!Loc.SectionFound) return false;
-    Text.erase(Loc.SectionBegin, Loc.SectionEnd - Loc.SectionBegin);
-    return true;
-  });
+  bool Ok = Update(FileName_, /*Create=*/false, [&](std::string& Text) { return RemoveSection(Text, Sec); });
   if (!Ok) throw EIniFileException("Unable to write to " + FileName_);
 }
 

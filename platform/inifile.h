@@ -10,6 +10,7 @@
 
 #include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "platform/conversions.h"  // TryStrToInt, StrToIntDef
@@ -47,6 +48,11 @@ class TIniFile {
   // writing elsewhere or held by another update for over ten seconds (32),
   // or cannot be written; the file is unchanged.
   void WriteString(const std::string& Section, const std::string& Ident, const std::string& Value);
+  // EraseSection (when EraseFirst) and then WriteString for each name and
+  // value in order, as one update of the file: one read and one replace
+  // however many keys. Throws as WriteString does; the file is then unchanged.
+  void WriteSectionValues(const std::string& Section, const std::vector<std::pair<std::string, std::string>>& Values,
+                          bool EraseFirst);
   void WriteInteger(const std::string& Section, const std::string& Ident, int Value);  // decimal
   void WriteBool(const std::string& Section, const std::string& Ident, bool Value);    // "1" or "0"
 

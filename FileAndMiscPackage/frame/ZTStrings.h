@@ -26,29 +26,40 @@ class TStrings {
 
   // Lines joined, each followed by CR LF (Delphi's Text).
   std::string Text() const {
+    std::size_t Size = 0;
+    for (const auto& L : Lines_) Size += L.size() + 2;
     std::string R;
-    for (const auto& L : Lines_) R += L + "\r\n";
+    R.reserve(Size);
+    for (const auto& L : Lines_) R.append(L).append("\r\n");
     return R;
   }
   // Splits at CR LF, CR or LF; a final line break adds no empty line.
   void SetText(const std::string& S) {
     Lines_.clear();
-    std::string Cur;
-    for (std::size_t I = 0; I < S.size(); ++I) {
-      char C = S[I];
-      if (C == '\r' || C == '\n') {
-        Lines_.push_back(Cur);
-        Cur.clear();
-        if (C == '\r' && I + 1 < S.size() && S[I + 1] == '\n') ++I;
-      } else {
-        Cur += C;
-      }
+    for (std::size_t Start = 0; Start < S.size();) {
+      std::size_t End = Start;
+      while (End < S.size() && S[End] != '\r' && S[End] != '\n') ++End;
+      Lines_.emplace_back(S, Start, End - Start);
+      Start = End + (End + 1 < S.size() && S[End] == '\r' && S[End + 1] == '\n' ? 2 : 1);
     }
-    if (!Cur.empty()) Lines_.push_back(Cur);
   }
 
  private:
   std::vector<std::string> Lines_;
 };
+
+// The Text of a list whose SetText was S, made without the list: every CR
+// LF, CR or LF becomes CR LF, and a last line without a line break gets one.
+inline std::string LineListText(const std::string& S) {
+  std::string R;
+  R.reserve(S.size() + S.size() / 16 + 2);
+  for (std::size_t Start = 0; Start < S.size();) {
+    std::size_t End = Start;
+    while (End < S.size() && S[End] != '\r' && S[End] != '\n') ++End;
+    R.append(S, Start, End - Start).append("\r\n");
+    Start = End + (End + 1 < S.size() && S[End] == '\r' && S[End + 1] == '\n' ? 2 : 1);
+  }
+  return R;
+}
 
 }  // namespace zt::frame

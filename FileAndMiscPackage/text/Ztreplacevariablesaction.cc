@@ -45,31 +45,28 @@ bool TZTReplaceVariablesAction::Execute() {
 }
 
 bool TZTReplaceVariablesAction::Replace() {
-  frame::TStrings Lines;
-  std::string SourcePath;
-  if (!Load(Lines, SourcePath)) return false;
+  std::string Text, SourcePath;
+  if (!Load(Text, SourcePath)) return false;
   int Count = 0;
-  std::string Text;
   try {
-    Text = ExpandExpression(Lines.Text(), Count, FFailOnVariableErrors);
+    Text = frame::LineListText(ExpandExpression(Text, Count, FFailOnVariableErrors));
   } catch (const std::exception& E) {
     throw EReplaceVariablesError(std::string("Could not expand variables: ") + E.what());
   }
-  Lines.SetText(Text);
   SendMessage("Made " + std::to_string(Count) + " replacements.");
   if (FWriteToLog) {
     SendMessage("Contents with Replaced Variables:");
-    SendMessage(Lines.Text());
+    SendMessage(Text);
   }
-  return Store(Lines, SourcePath);
+  return Store(Text, SourcePath);
 }
 
-bool TZTReplaceVariablesAction::Load(frame::TStrings& Lines, std::string& Path) {
+bool TZTReplaceVariablesAction::Load(std::string& Text, std::string& Path) {
   if (FSourceType == rfVariable) {
     if (!IsVariableDefined(FSourceVariable))
       throw EReplaceVariablesError("Variable not defined: " + FSourceVariable);
     SendMessage("Loading data from variable " + FSourceVariable);
-    Lines.SetText(GetVariableValue(FSourceVariable).AsString());
+    Text = frame::LineListText(GetVariableValue(FSourceVariable).AsString());
     return true;
   }
   if (!TryExpandExpression("Source File Path", FSourceFile, true, Path)) return false;
@@ -77,18 +74,18 @@ bool TZTReplaceVariablesAction::Load(frame::TStrings& Lines, std::string& Path) 
   if (!platform::FileExists(Path)) throw EReplaceVariablesError("Source file not found: " + Path);
   SendMessage("Loading data from file " + Path + "...");
   TFileStreamHandle File(Path, platform::fmOpenRead | platform::fmShareDenyWrite);
-  Lines.SetText(ReadFileStream(File.Get(), Path));
+  Text = frame::LineListText(ReadFileStream(File.Get(), Path));
   return true;
 }
 
-bool TZTReplaceVariablesAction::Store(const frame::TStrings& Lines, const std::string& SourcePath) {
+bool TZTReplaceVariablesAction::Store(const std::string& Text, const std::string& SourcePath) {
   if (FWriteBackToSource) {
     if (FSourceType == rfVariable) {
       SendMessage("Writing result to source variable.");
-      SetVariable(FSourceVariable, frame::TZTVariant(Lines.Text()));
+      SetVariable(FSourceVariable, frame::TZTVariant(Text));
     } else {
       SendMessage("Writing result back to source file.");
-      SaveLines(Lines, SourcePath);
+      Save(Text, SourcePath);
     }
     return true;
   }
@@ -96,20 +93,20 @@ bool TZTReplaceVariablesAction::Store(const frame::TStrings& Lines, const std::s
     if (!IsVariableDefined(FDestVariable))
       throw EReplaceVariablesError("Destination variable not defined: " + FDestVariable);
     SendMessage("Writing result to variable " + FDestVariable);
-    SetVariable(FDestVariable, frame::TZTVariant(Lines.Text()));
+    SetVariable(FDestVariable, frame::TZTVariant(Text));
     return true;
   }
   std::string Path;
   if (!TryExpandExpression("Destination File Path", FDestFile, true, Path)) return false;
   Path = frame::Trim(Path);
   SendMessage("Writing result to file " + Path);
-  SaveLines(Lines, Path);
+  Save(Text, Path);
   return true;
 }
 
-void TZTReplaceVariablesAction::SaveLines(const frame::TStrings& Lines, const std::string& Path) {
+void TZTReplaceVariablesAction::Save(const std::string& Text, const std::string& Path) {
   try {
-    SaveFileStream(Path, Lines.Text());
+    SaveFileStream(Path, Text);
   } catch (const std::exception& E) {
     throw EReplaceVariablesError(std::string("Could not save file: ") + E.what());
   }

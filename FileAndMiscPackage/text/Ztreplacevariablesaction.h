@@ -1,7 +1,8 @@
 // "Replace Variables": expands every %Var% reference inside a text taken
 // from a file or a variable, counts the replacements, and stores the result
-// back in the source or in another file or variable. The text is held as
-// lines, so every line of the result ends with CR LF.
+// back in the source or in another file or variable. The text is held as a
+// string list's text (frame::LineListText), so every line of the result
+// ends with CR LF.
 #pragma once
 
 #include <string>
@@ -47,9 +48,9 @@ class TZTReplaceVariablesAction : public frame::TCustomZTAction {
   // error occured:"; false means a property could not be expanded (the host
   // has said why).
   bool Replace();
-  bool Load(frame::TStrings& Lines, std::string& Path);
-  bool Store(const frame::TStrings& Lines, const std::string& SourcePath);
-  void SaveLines(const frame::TStrings& Lines, const std::string& Path);
+  bool Load(std::string& Text, std::string& Path);
+  bool Store(const std::string& Text, const std::string& SourcePath);
+  static void Save(const std::string& Text, const std::string& Path);
 
   std::string FSourceFile;
   TZTReplaceDataType FSourceType = rfFile;

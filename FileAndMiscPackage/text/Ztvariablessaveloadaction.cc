@@ -2,6 +2,8 @@
 
 #include <exception>
 #include <stdexcept>
+#include <utility>
+#include <vector>
 
 #include "frame/ZTUtils.h"
 #include "platform/files.h"
@@ -67,23 +69,28 @@ void TZTVariablesSaveAction::Publish(frame::TZTPublisher<TZTVariablesSaveAction>
 bool TZTVariablesSaveAction::Execute() {
   std::string Path, Section;
   if (!ExpandFileAndSection(Path, Section)) return false;
-  try {
-    platform::TIniFile Ini(Path);
-    if (FEraseSection) Ini.EraseSection(Section);
-    for (const std::string& Name : FVariables.Lines()) {
-      std::string Value;
-      try {
-        // A name that is no variable could not be read back: an error, as an undefined reference is.
-        if (!IsVariableDefined(Name)) throw std::invalid_argument(Name);
-        Value = ExpandExpression("%" + Name + "%");
-      } catch (const std::exception&) {
-        SendMessage("Error expanding variable: " + Name);
-        return false;  // the keys written so far stay
-      }
-      Ini.WriteString(Section, Name, Value);
+  // The values are found first and written in one update of the file; a
+  // failure keeps the keys before it, as writing them one by one would.
+  std::vector<std::pair<std::string, std::string>> Values;
+  std::string Failed;
+  for (const std::string& Name : FVariables.Lines()) {
+    try {
+      // A name that is no variable could not be read back: an error, as an undefined reference is.
+      if (!IsVariableDefined(Name)) throw std::invalid_argument(Name);
+      Values.emplace_back(Name, ExpandExpression("%" + Name + "%"));
+    } catch (const std::exception&) {
+      Failed = Name;
+      break;
     }
+  }
+  try {
+    platform::TIniFile(Path).WriteSectionValues(Section, Values, FEraseSection);
   } catch (const std::exception& E) {
     SendMessage(std::string("Error Opening Ini File : ") + E.what());
+    return false;
+  }
+  if (Values.size() < FVariables.Lines().size()) {
+    SendMessage("Error expanding variable: " + Failed);
     return false;
   }
   SendMessage("Variables saved to " + Path);

@@ -1,6 +1,7 @@
 #include "host/project/expander.h"
 
 #include <cstring>
+#include <string_view>
 
 namespace zt::host {
 
@@ -32,36 +33,46 @@ VariableCycle::VariableCycle(std::vector<std::string> Names)
     : ExpansionError("Variables refer to each other in a cycle: " + Joined(Names)),
       Names_(std::move(Names)) {}
 
-Expander::Pieces Expander::Tokenize(const std::string& Text) {
-  Pieces Out;
-  std::string Literal;
-  auto Flush = [&] {
-    if (!Literal.empty()) Out.push_back({false, std::move(Literal)});
-    Literal.clear();
-  };
+template <class L, class R>
+void Expander::Scan(const std::string& Text, L Literal, R Reference) {
   for (std::size_t I = 0; I < Text.size();) {
     if (Text[I] == '%') {
       if (I + 1 < Text.size() && Text[I + 1] == '%') {
-        Literal += '%';
+        Literal(std::string_view("%"));
         I += 2;
         continue;
       }
       std::size_t End = I + 1;
       while (End < Text.size() && IsVariableNameChar(Text[End])) ++End;
       if (End > I + 1 && End < Text.size() && Text[End] == '%') {
-        Flush();
-        Out.push_back({true, Text.substr(I + 1, End - I - 1)});
+        Reference(std::string_view(Text).substr(I + 1, End - I - 1));
         I = End + 1;
         continue;
       }
     } else if (Text.compare(I, 3, "$$(") == 0) {
-      Literal += "$(";
+      Literal(std::string_view("$("));
       I += 3;
       continue;
     }
-    Literal += Text[I++];
+    // Plain text up to the next '%' or '$' goes over in one piece.
+    std::size_t Next = I + 1;
+    while (Next < Text.size() && Text[Next] != '%' && Text[Next] != '$') ++Next;
+    Literal(std::string_view(Text).substr(I, Next - I));
+    I = Next;
   }
-  Flush();
+}
+
+Expander::Pieces Expander::Tokenize(const std::string& Text) {
+  Pieces Out;
+  std::string Literal;
+  Scan(
+      Text, [&](std::string_view S) { Literal.append(S); },
+      [&](std::string_view Name) {
+        if (!Literal.empty()) Out.push_back({false, std::move(Literal)});
+        Literal.clear();
+        Out.push_back({true, std::string(Name)});
+      });
+  if (!Literal.empty()) Out.push_back({false, std::move(Literal)});
   return Out;
 }
 
@@ -88,7 +99,10 @@ std::string Expander::ExpandCounting(const std::string& Text, const Variables& V
   std::string Out;
   Out.reserve(Text.size());
   Pass P(Vars, /*Keep=*/!FailOnUnknown);
-  AppendPieces(Tokenize(Text), P, Out);
+  // Scanned straight into Out: such a text is used once, so no pieces are kept.
+  Scan(
+      Text, [&](std::string_view S) { Out.append(S); },
+      [&](std::string_view Name) { AppendReference(std::string(Name), P, Out); });
   Replaced = P.Replaced;
   return Out;
 }
@@ -98,47 +112,43 @@ void Expander::Append(const std::string& Text, Pass& P, std::string& Out) {
     Out += Text;
     return;
   }
-  AppendPieces(*PiecesOf(Text), P, Out);
+  for (const Piece& Item : *PiecesOf(Text)) {
+    if (Item.IsReference)
+      AppendReference(Item.Text, P, Out);
+    else
+      Out += Item.Text;
+  }
 }
 
-void Expander::AppendPieces(const Pieces& Items, Pass& P, std::string& Out) {
+void Expander::AppendReference(const std::string& Name, Pass& P, std::string& Out) {
   std::vector<std::string>& Chain = P.Chain;
-  for (const Piece& Item : Items) {
-    if (!Item.IsReference) {
-      Out += Item.Text;
-      continue;
+  const TZTVariant* Own = P.Vars.FindProject(Name);
+  if (!Own) {
+    auto Value = P.Vars.Lookup(Name);
+    if (!Value && P.KeepUnknown) {
+      Out.append("%").append(Name).append("%");
+      return;
     }
-    const TZTVariant* Own = P.Vars.FindProject(Item.Text);
-    if (!Own) {
-      auto Value = P.Vars.Lookup(Item.Text);
-      if (Value) {
-        Out += Value->AsString();
-      } else if (P.KeepUnknown) {
-        Out += '%' + Item.Text + '%';
-        continue;
-      } else {
-        throw UndefinedVariable(Item.Text, Chain.empty() ? "" : Chain.back());
+    if (!Value) throw UndefinedVariable(Name, Chain.empty() ? "" : Chain.back());
+    Out += Value->AsString();
+  } else if (Own->Kind() != TZTVariant::TKind::String) {
+    Out += Own->AsString();
+  } else {
+    for (std::size_t I = 0; I < Chain.size(); ++I)
+      if (LowerCase(Chain[I]) == LowerCase(Name)) {
+        std::vector<std::string> Cycle(Chain.begin() + static_cast<std::ptrdiff_t>(I), Chain.end());
+        Cycle.push_back(Name);
+        throw VariableCycle(std::move(Cycle));
       }
-    } else if (Own->Kind() != TZTVariant::TKind::String) {
-      Out += Own->AsString();
-    } else {
-      for (std::size_t I = 0; I < Chain.size(); ++I)
-        if (LowerCase(Chain[I]) == LowerCase(Item.Text)) {
-          std::vector<std::string> Cycle(Chain.begin() + static_cast<std::ptrdiff_t>(I), Chain.end());
-          Cycle.push_back(Item.Text);
-          throw VariableCycle(std::move(Cycle));
-        }
-      if (Chain.size() == kMaxNesting)
-        throw ExpansionError("Variable \"" + Item.Text + "\" nests references more than " +
-                             std::to_string(kMaxNesting) + " levels deep");
-      Chain.push_back(Item.Text);
-      Append(Own->AsString(), P, Out);
-      Chain.pop_back();
-      if (Out.size() > kMaxExpandedSize)
-        throw ExpansionError("Variable \"" + Item.Text + "\" expands to more than 256 MiB");
-    }
-    if (Chain.empty()) ++P.Replaced;
+    if (Chain.size() == kMaxNesting)
+      throw ExpansionError("Variable \"" + Name + "\" nests references more than " + std::to_string(kMaxNesting) +
+                           " levels deep");
+    Chain.push_back(Name);
+    Append(Own->AsString(), P, Out);
+    Chain.pop_back();
+    if (Out.size() > kMaxExpandedSize) throw ExpansionError("Variable \"" + Name + "\" expands to more than 256 MiB");
   }
+  if (Chain.empty()) ++P.Replaced;
 }
 
 std::size_t Expander::CachedTexts() const {

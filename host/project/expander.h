@@ -57,7 +57,7 @@ class Expander {
   // replaced (a reference inside a variable's value is part of that
   // variable's). With FailOnUnknown false, a reference to a name that no
   // variable has stays as written instead of raising; a cycle still raises.
-  // Text is tokenized without the cache: such texts are whole files, used once.
+  // Text is scanned without the cache: such texts are whole files, used once.
   std::string ExpandCounting(const std::string& Text, const Variables& Vars, bool FailOnUnknown,
                              int& Replaced);
 
@@ -79,11 +79,15 @@ class Expander {
     int Replaced = 0;
     std::vector<std::string> Chain;
   };
+  // Calls Literal(std::string_view) and Reference(name as std::string_view)
+  // for the pieces of Text in order: the one tokenizer of every entry point.
+  template <class L, class R>
+  static void Scan(const std::string& Text, L Literal, R Reference);
   static Pieces Tokenize(const std::string& Text);
   std::shared_ptr<const Pieces> PiecesOf(const std::string& Text);
-  // Append Text (or its pieces) expanded to Out.
+  // Append Text, or the value of the reference Name, expanded to Out.
   void Append(const std::string& Text, Pass& P, std::string& Out);
-  void AppendPieces(const Pieces& Items, Pass& P, std::string& Out);
+  void AppendReference(const std::string& Name, Pass& P, std::string& Out);
 
   mutable std::mutex Mutex_;  // scripts may expand from another thread than the build's
   std::unordered_map<std::string, std::shared_ptr<const Pieces>> Cache_;
