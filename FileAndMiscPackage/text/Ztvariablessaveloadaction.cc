@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "frame/ZTUtils.h"
+#include "platform/conversions.h"
 #include "platform/files.h"
 #include "platform/inifile.h"
 
@@ -18,12 +19,12 @@ std::string UpperCase(std::string S) {
   return S;
 }
 
-// The run-time's StrToBool on Text, else on Fallback, else false.
+// StrToBool on Text, else on Fallback, else false.
 bool BooleanOf(const std::string& Text, const std::string& Fallback) {
   for (const std::string* S : {&Text, &Fallback}) {
     try {
-      return frame::TZTVariant(*S).AsBoolean();
-    } catch (const std::invalid_argument&) {
+      return platform::StrToBool(*S);
+    } catch (const platform::EConvertError&) {
     }
   }
   return false;
