@@ -85,7 +85,8 @@ void TZTWriteToTextFileAction::Append(const std::string& Path, const std::string
 
 // The new file is written under a temporary name beside the old one and
 // renamed over it, so the old content stays whole until the new file is
-// complete, and a failure leaves no temporary file.
+// complete, and a failure (or a stop) leaves no temporary file. The update
+// keeps other writers out meanwhile.
 void TZTWriteToTextFileAction::Prepend(const std::string& Path, const std::string& Content) {
   std::int64_t Size;
   try {
@@ -94,11 +95,8 @@ void TZTWriteToTextFileAction::Prepend(const std::string& Path, const std::strin
   } catch (const std::exception& E) {
     throw EZTFileStreamError(std::string("Could not open target file for writing : ") + E.what());
   }
-  // Other writers are kept out while the old content is copied.
-  TFileStreamHandle Old(Path, platform::fmOpenRead | platform::fmShareDenyWrite);
-  const bool Written = Size > 0 ? platform::WriteFileAtomically(Path, Content + "\r\n", Old.Get())
-                                : platform::WriteFileAtomically(Path, Content);
-  if (!Written)
+  platform::TFileUpdate Update;
+  if (!Update.Begin(Path, /*Create=*/false) || !Update.CommitBefore(Size > 0 ? Content + "\r\n" : Content))
     throw EZTFileStreamError("Could not create temporary file when writing file. " +
                              platform::SysErrorMessage(platform::GetLastError()));
 }

@@ -66,6 +66,8 @@ TEST(TextFilesE2E, AppendAndPrependPutCrLfBetweenOldAndNewContent) {
   WriteBytes(D / "prepend.txt", "A\nB");
   WriteBytes(D / "prepend-empty.txt", "");
   chmod((D / "prepend.txt").c_str(), 0640);
+  WriteBytes(D / "shared.txt", "A");
+  fs::create_hard_link(D / "shared.txt", D / "shared-link.txt");  // rewritten in place: both names see it
   ZtResult R = RunZt(D.Path(), R"(
 variables:
   NEW: "n%%1"
@@ -88,6 +90,10 @@ actions:
     NewContent: B
     WriteToPosition: toStart
   - action: Write to Text File
+    FileName: shared.txt
+    NewContent: B
+    WriteToPosition: toStart
+  - action: Write to Text File
     FileName: created.txt
     NewContent: "C\n"
     CreateIfNotExists: true
@@ -99,11 +105,13 @@ actions:
   EXPECT_EQ(ReadBytes(D / "empty.txt"), "B");
   EXPECT_EQ(ReadBytes(D / "prepend.txt"), "x\ny\r\nA\nB");
   EXPECT_EQ(ReadBytes(D / "prepend-empty.txt"), "B");
+  EXPECT_EQ(ReadBytes(D / "shared-link.txt"), "B\r\nA");
   EXPECT_EQ(ReadBytes(D / "created.txt"), "C\n");
   EXPECT_EQ(fs::status(D / "prepend.txt").permissions(), fs::perms(0640));
-  EXPECT_EQ(Entries(D.Path()), (Lines{"append-eol.txt", "append.txt", "created.txt", "empty.txt", "log.jsonl",
-                                      "prepend-empty.txt", "prepend.txt", "project.yml"}));
-  for (const char* Id : {"1", "4", "6"}) EXPECT_EQ(Messages(R, Id), Lines{}) << Id;
+  EXPECT_EQ(Entries(D.Path()),
+            (Lines{"append-eol.txt", "append.txt", "created.txt", "empty.txt", "log.jsonl",
+                   "prepend-empty.txt", "prepend.txt", "project.yml", "shared-link.txt", "shared.txt"}));
+  for (const char* Id : {"1", "4", "6", "7"}) EXPECT_EQ(Messages(R, Id), Lines{}) << Id;
 }
 
 TEST(TextFilesE2E, FailedWritesLeaveEveryFileAsItWas) {
