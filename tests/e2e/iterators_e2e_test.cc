@@ -162,6 +162,8 @@ TEST(FolderIteratorE2E, ListsSubFoldersPreOrderWithTheChosenNames) {
   fs::create_directories(D / "root/.h");
   Make(D, "root/f.txt");
   ZtResult R = RunZt(D.Path(), R"(
+variables:
+  NONE: ""
 actions:
   - action: Folder Iterator
     VariableName: DIR
@@ -173,14 +175,19 @@ actions:
     IncludeFolderPath: false
   - action: Folder Iterator
     StartingFolder: root/a/x
+  - action: Folder Iterator
+    StartingFolder: "%NONE%"
 )");
-  EXPECT_EQ(R.ExitCode, 0) << R.Stderr;
+  EXPECT_EQ(R.ExitCode, 1) << R.Stderr;
   EXPECT_EQ(Messages(R, "1"),
             (Lines{"Searching for Folders...", "Found 2 Folders", "root/a\r\nroot/a/x\r\n"}));
   EXPECT_EQ(Passes(R, "1"), (Lines{"1/2=root/a", "2/2=root/a/x"}));
   EXPECT_EQ(FinalValue(R, "DIR"), "root/a/x");
   EXPECT_EQ(SortedValues(R, "2"), (Lines{".h", "a"}));
   EXPECT_EQ(Messages(R, "3"), (Lines{"Searching for Folders...", "Found 0 Folders", ""}));
+  // Never the root of the file system.
+  EXPECT_EQ(Messages(R, "4"), (Lines{"A starting folder has not been set"}));
+  EXPECT_TRUE(Passes(R, "4").empty());
 }
 
 TEST(FileContentsIteratorE2E, MakesOnePassPerLineKeepingBlanksAndQuotes) {
@@ -308,6 +315,8 @@ actions:
   - action: File Contents Iterator
   - action: Ini File Iterator
     IteratorMode: iiValues
+  - action: Ini File Iterator
+    IniFilename: app.ini
   - action: List Iterator
 )",
                      {}, "validate");
@@ -318,7 +327,8 @@ actions:
             "3 Folder Iterator: Starting Folder: A starting folder has not been set\n"
             "4 File Contents Iterator: Filename: A filename has not been set\n"
             "5 Ini File Iterator: Inifile: An INI file has not been set\n"
-            "5 Ini File Iterator: Variable: Both Name variable and Values variable has not been set\n");
+            "5 Ini File Iterator: Variable: Both Name variable and Values variable has not been set\n"
+            "6 Ini File Iterator: Sections Variable: The Sections Variable has not been set\n");
 }
 
 }  // namespace
