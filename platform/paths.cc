@@ -42,7 +42,7 @@ std::string ChangeFileExt(const std::string& FileName, const std::string& Extens
 
 std::string IncludeTrailingPathDelimiter(const std::string& S) {
   if (!S.empty() && IsPathDelimiter(S.back())) return S;
-  return S + PathDelim;
+  return S + PathDelim();
 }
 
 std::string ExcludeTrailingPathDelimiter(const std::string& S) {

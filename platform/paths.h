@@ -6,7 +6,9 @@
 
 namespace zt::platform {
 
-extern const char PathDelim;
+// A function, not a global: zt and the package each carry a copy of the
+// layer, and one exported global defined in both is an ODR violation.
+char PathDelim();
 
 // True for the platform's delimiter; on Windows also '/'. On POSIX a '\'
 // written by the package where it composes a path is converted by

@@ -177,7 +177,7 @@ bool TCustomCopyFilesAction::DoRecursiveCopyMove(frame::IZTActionLogMessage& Ent
   // means the current directory (never the root).
   const std::string SourceDir = pf::ExtractFilePath(Spec);
   const std::string Mask = pf::ExtractFileName(Spec);
-  const std::string TargetDir = pf::ExcludeTrailingPathDelimiter(Target) + pf::PathDelim;
+  const std::string TargetDir = pf::ExcludeTrailingPathDelimiter(Target) + pf::PathDelim();
 
   pf::TSearchRec F;
   {
@@ -203,7 +203,7 @@ bool TCustomCopyFilesAction::DoRecursiveCopyMove(frame::IZTActionLogMessage& Ent
         if (!(F.Attr & pf::faDirectory) || F.Name == "." || F.Name == "..") continue;
         if (IsRunTargetDirectory(SourceDir + F.Name)) continue;
         // A sub-directory that fails has logged why; its siblings still run.
-        DoRecursiveCopyMove(Entry, SourceDir + F.Name + pf::PathDelim + Mask, TargetDir + F.Name, Count);
+        DoRecursiveCopyMove(Entry, SourceDir + F.Name + pf::PathDelim() + Mask, TargetDir + F.Name, Count);
       } while (pf::FindNext(F) == 0);
     }
   }

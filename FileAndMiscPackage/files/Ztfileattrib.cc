@@ -101,7 +101,7 @@ void TCustomSetFileAttributesAction::DoRecursiveAction(frame::IZTActionLogMessag
   if (!Search.Open) return;
   do {
     if ((D.Attr & pf::faDirectory) && !IsDotEntry(D.Name))
-      DoRecursiveAction(Entry, Dir + D.Name + pf::PathDelim + Mask, Recurse);
+      DoRecursiveAction(Entry, Dir + D.Name + pf::PathDelim() + Mask, Recurse);
   } while (pf::FindNext(D) == 0);
 }
 

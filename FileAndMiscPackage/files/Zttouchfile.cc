@@ -104,7 +104,7 @@ bool TCustomTouchFilesAction::ProcessFiles(const std::string& Spec) {
   do {
     // The last sub-directory's result becomes the walk's result.
     if ((D.Attr & pf::faDirectory) && !IsDotEntry(D.Name))
-      Result = ProcessFiles(Dir + D.Name + pf::PathDelim + Mask);
+      Result = ProcessFiles(Dir + D.Name + pf::PathDelim() + Mask);
   } while (pf::FindNext(D) == 0);
   return Result;
 }

@@ -109,7 +109,7 @@ void TCustomFileIterator::SearchFiles(const std::string& Spec) {
     } while (pf::FindNext(F) == 0);
     pf::FindClose(F);
   }
-  for (std::string& Sub : SubDirs) SearchFiles(Sub.insert(0, Dir).append(1, pf::PathDelim).append(Pattern));
+  for (std::string& Sub : SubDirs) SearchFiles(Sub.insert(0, Dir).append(1, pf::PathDelim()).append(Pattern));
 }
 
 void TCustomFileIterator::ReadFileSet(bool Refreshing) {

@@ -73,7 +73,7 @@ void TFolderIterator::SearchFolders(const std::string& Folder) {
     StopSignalled();
     if (FStop) throw frame::EIteratorException("Stopping folder search.");  // F closes itself
     FFolders.Add(FIncludeFolderPath ? Dir + F.Name : F.Name);
-    if (FRecurse) SearchFolders(Dir + F.Name + pf::PathDelim);
+    if (FRecurse) SearchFolders(Dir + F.Name + pf::PathDelim());
   } while (pf::FindNext(F) == 0);
   pf::FindClose(F);
 }

@@ -197,7 +197,7 @@ std::string TCustomRunDosCMDAction::GetExecutable() { return ExpandExpression("%
 std::string TCustomRunDosCMDAction::GetCommandLineParams() {
   std::string Text = inherited::GetCommandLineParams();
   if (pf::ExtractFileExt(Text) == ".bat" && Text.find_first_of("\"'") == std::string::npos &&
-      (pf::FileExists(Text) || pf::FileExists(FStartInDir + pf::PathDelim + Text)))
+      (pf::FileExists(Text) || pf::FileExists(FStartInDir + pf::PathDelim() + Text)))
     Text = "\"" + Text + "\"";
   return Text;
 }

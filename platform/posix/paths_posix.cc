@@ -6,7 +6,7 @@
 
 namespace zt::platform {
 
-const char PathDelim = '/';
+char PathDelim() { return '/'; }
 
 bool IsPathDelimiter(char C) { return C == '/'; }
 

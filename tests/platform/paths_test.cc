@@ -26,7 +26,7 @@ TEST(Paths, ChangesAndTrimsDelimitersAndExtensions) {
 }
 
 TEST(Paths, BackslashIsTheDelimiterOnlyAfterNormalizing) {
-  EXPECT_EQ(PathDelim, '/');
+  EXPECT_EQ(PathDelim(), '/');
   EXPECT_FALSE(IsPathDelimiter('\\'));
   EXPECT_EQ(ExtractFileName("out\\a.txt"), "out\\a.txt");
   EXPECT_EQ(NormalizeDelimiters("out\\sub\\a.txt"), "out/sub/a.txt");
