@@ -183,6 +183,9 @@ void ConsoleLog::ActionEnd(const std::string& Id, ActionResult Result, std::int6
   if (O_.Quiet && (Result == ActionResult::Failure || Result == ActionResult::Ignored)) {
     Write(Pending_);
     Pending_.clear();
+    // The running loops' lines so far are out; what they write from now on
+    // starts the buffer afresh.
+    std::fill(PendingMarks_.begin(), PendingMarks_.end(), 0);
   } else if (!PendingMarks_.empty()) {
     Pending_.resize(std::min(Pending_.size(), PendingMarks_.back()));  // drop this action's lines
   }

@@ -1,5 +1,5 @@
 // How zt runs loop actions: the passes and their events, nested loops, a
-// failing child, and a stop in mid-loop.
+// failing child, the quiet console, and a stop in mid-loop.
 #include <signal.h>
 
 #include <fstream>
@@ -106,6 +106,39 @@ actions:
   EXPECT_EQ(Passes(R, "3"), (Lines{"1/3=a", "2/3=b"}));
   EXPECT_EQ(ActionResult(R, "3"), "failure");
   EXPECT_EQ(R.Events.back()["result"], "failure");
+}
+
+TEST(LoopRunnerE2E, QuietConsoleShowsEachFailedChildUnderItsOwnPasses) {
+  TempDir D;
+  for (const char* Name : {"x.txt", "x2.txt", "y1.txt", "y2.txt"}) std::ofstream(D / Name) << "";
+  std::ofstream(D / "project.yml") << R"(actions:
+  - action: List Iterator
+    ZTVariable: A
+    ListOfItems: [x, y]
+    actions:
+      - action: List Iterator
+        ZTVariable: B
+        ListOfItems: [1, 2]
+        actions:
+          - action: Check if File Exists
+            FileOrDirectory: "%A%%B%.txt"
+            ignoreFailure: true
+      - action: Check if File Exists
+        FileOrDirectory: "%A%.txt"
+        ignoreFailure: true
+)";
+  ZtResult R = RunZtArgs(D.Path(), {"run", "project.yml", "--quiet"});
+  EXPECT_EQ(R.ExitCode, 0) << R.Stderr;
+  // Only x1.txt and y.txt are missing; the inner loop's later passes stay out.
+  EXPECT_EQ(
+      R.Stdout.substr(0, R.Stdout.find("Build succeeded")),
+      "[1] List Iterator [ x, y ]\n    Setting items...\n    Found 2 Items\n  pass 1 of 2: x\n"
+      "  [1.1] List Iterator [ 1, 2 ]\n      Setting items...\n      Found 2 Items\n    pass 1 of 2: 1\n"
+      "    [1.1.1] Check if File Exists - Check if [ %A%%B%.txt ] Exists\n"
+      "        No match found for File Spec\n        failed (ignored)\n"
+      "  pass 2 of 2: y\n"
+      "  [1.2] Check if File Exists - Check if [ %A%.txt ] Exists\n"
+      "      No match found for File Spec\n      failed (ignored)\n");
 }
 
 TEST(LoopRunnerE2E, StopEndsTheLoopBeforeItsNextPass) {
