@@ -71,7 +71,12 @@ std::string ConsoleLog::Painted(const std::string& Text, const char* Color) cons
 void ConsoleLog::Write(const std::string& Text) {
   ClearProgress();
   std::fwrite(Text.data(), 1, Text.size(), Out_);
-  // A log in a file or pipe is whole up to its last line whenever zt ends.
+}
+
+void ConsoleLog::EventWritten() {
+  // A log in a file or pipe is whole up to its last event however zt ends
+  // (a terminal shows every line at once anyway). Once per event, not per
+  // line: a program's captured output can be millions of lines.
   if (!O_.IsTerminal) std::fflush(Out_);
 }
 
@@ -111,11 +116,13 @@ void ConsoleLog::ActionStart(const std::string& Id, const std::string& Title, co
   Trail_.Start(Id, Title, Line);
   PendingMarks_.push_back(Pending_.size());
   this->Line(Id, 0, Heading(Id, Title, Description));
+  EventWritten();
 }
 
 void ConsoleLog::Message(const std::string& Id, const std::string& Text, bool FromHost) {
   Trail_.Message(Id, Text);
   Line(Id, 4, FromHost ? "zt: " + Text : Text);
+  EventWritten();
 }
 
 void ConsoleLog::Status(const std::string& Id, const std::string& Text,
@@ -124,6 +131,7 @@ void ConsoleLog::Status(const std::string& Id, const std::string& Text,
   if (!Text.empty()) Line(Id, 4, Text);
   if (!O_.Quiet) {
     for (const auto& D : Details) Line(Id, Text.empty() ? 4 : 6, D);
+    EventWritten();
     return;
   }
   // Kept in one text, copied in one pass: captured output can be millions of lines.
@@ -158,6 +166,7 @@ void ConsoleLog::Iteration(const std::string& Id, int Index, int Count,
   std::string Text = "pass " + std::to_string(Index) + " of " + std::to_string(Count);
   if (Value) Text += ": " + *Value;
   Line(Id, 2, Text);
+  EventWritten();
 }
 
 void ConsoleLog::ActionEnd(const std::string& Id, ActionResult Result, std::int64_t DurationMs) {

@@ -51,6 +51,7 @@ class ConsoleLog : public LogSink {
  private:
   void Line(const std::string& Id, int Extra, const std::string& Text, const char* Color = nullptr);
   void Write(const std::string& Text);
+  void EventWritten();
   std::string Painted(const std::string& Text, const char* Color) const;
   void ClearProgress();
   int Columns() const;
