@@ -1,5 +1,5 @@
 // "Execute Program" and "Run DOS Command" through zt: exit codes and their
-// lines, the output in the log, time-outs and Ctrl+C (nothing survives),
+// lines, the output in the log, time-outs and Ctrl+C (nothing zt waits for survives),
 // programs that cannot start, and the parameter text as arguments.
 #include <signal.h>
 #include <sys/stat.h>
@@ -175,21 +175,32 @@ TEST(RunProgramEndToEnd, TimeOutStopsTheProgramAndEverythingItStarted) {
   EXPECT_TRUE(Ended(ReadPid(D / "child.pid")));
 }
 
-TEST(RunProgramEndToEnd, InterruptStopsALongProgramAndItsChildren) {
+TEST(RunProgramEndToEnd, InterruptStopsALongProgramAndItsChildrenButNotOneStartedWithoutWaiting) {
   TempDir D;
   const auto Start = Clock::now();
   ZtResult R = RunZtAndSignal(D.Path(), R"(actions:
   - action: Run DOS Command
-    Command: sleep 60 & echo $! > child.pid; echo started; wait
+    Command: echo $$ > detached.pid; while [ ! -e go ]; do sleep 0.02; done
+    WaitForCompletion: false
+    CaptureOutput: false
+  - action: Run DOS Command
+    Command: echo $$ > shell.pid; sleep 60 & echo $! > child.pid; echo started; wait
   - action: Run DOS Command
     Command: echo never
 )",
                               "\"started\"", SIGINT);
   EXPECT_LT(SecondsSince(Start), 20);
   EXPECT_EQ(R.ExitCode, 130) << R.Stderr;
-  EXPECT_EQ(Messages(R, "1"), (Lines{"Program returned code  : 999", "Terminated by user"}));
-  EXPECT_EQ(ActionResult(R, "2"), "");
+  EXPECT_EQ(Messages(R, "2"), (Lines{"Program returned code  : 999", "Terminated by user"}));
+  EXPECT_EQ(ActionResult(R, "3"), "");
+  EXPECT_TRUE(Ended(ReadPid(D / "shell.pid")));
   EXPECT_TRUE(Ended(ReadPid(D / "child.pid")));
+  // The program zt did not wait for is the user's: the stop leaves it alone.
+  EXPECT_TRUE(WaitUntil([&] { return ReadPid(D / "detached.pid") > 0; }));
+  const pid_t Detached = ReadPid(D / "detached.pid");
+  EXPECT_TRUE(ProcessRunning(Detached));
+  Write(D / "go", "");
+  EXPECT_TRUE(Ended(Detached));
 }
 
 TEST(RunProgramEndToEnd, ThePipesClosingIsNotTheProgramEnding) {
