@@ -114,7 +114,7 @@ void ConsoleLog::BuildStart(const std::string& Project, const std::string& File)
 void ConsoleLog::ActionStart(const std::string& Id, const std::string& Title, const std::string&,
                              const std::string& Description, int Line) {
   Trail_.Start(Id, Title, Line);
-  PendingMarks_.push_back(Pending_.size());
+  PendingMarks_.push_back({Pending_.size(), std::string::npos});
   this->Line(Id, 0, Heading(Id, Title, Description));
   EventWritten();
 }
@@ -165,6 +165,12 @@ void ConsoleLog::Iteration(const std::string& Id, int Index, int Count,
                            const std::optional<std::string>& Value) {
   std::string Text = "pass " + std::to_string(Index) + " of " + std::to_string(Count);
   if (Value) Text += ": " + *Value;
+  if (O_.Quiet && !PendingMarks_.empty()) {
+    // Only the pass that fails is worth printing: the earlier passes' lines go.
+    std::size_t& Pass = PendingMarks_.back().Pass;
+    if (Pass != std::string::npos) Pending_.resize(Pass);
+    Pass = Pending_.size();
+  }
   Line(Id, 2, Text);
   EventWritten();
 }
@@ -194,9 +200,9 @@ void ConsoleLog::ActionEnd(const std::string& Id, ActionResult Result, std::int6
     Pending_.clear();
     // The running loops' lines so far are out; what they write from now on
     // starts the buffer afresh.
-    std::fill(PendingMarks_.begin(), PendingMarks_.end(), 0);
+    for (Marks& M : PendingMarks_) M = {0, std::string::npos};
   } else if (!PendingMarks_.empty()) {
-    Pending_.resize(std::min(Pending_.size(), PendingMarks_.back()));  // drop this action's lines
+    Pending_.resize(std::min(Pending_.size(), PendingMarks_.back().Start));  // drop this action's lines
   }
   if (!PendingMarks_.empty()) PendingMarks_.pop_back();
   if (PendingMarks_.empty()) Pending_.shrink_to_fit();  // a program's output may have been large

@@ -61,8 +61,13 @@ class ConsoleLog : public LogSink {
   std::string File_;
   ActionTrail Trail_;
   bool ProgressShown_ = false;
-  std::string Pending_;                   // quiet mode: the running actions' lines
-  std::vector<std::size_t> PendingMarks_;  // quiet mode: Pending_'s size when each running action started
+  // Quiet mode: the running actions' lines, and for each running action where
+  // its lines start in Pending_ and where its current pass line starts.
+  struct Marks {
+    std::size_t Start, Pass;
+  };
+  std::string Pending_;
+  std::vector<Marks> PendingMarks_;
   int Actions_ = 0, Failed_ = 0, Ignored_ = 0, Skipped_ = 0;
 };
 

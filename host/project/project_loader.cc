@@ -225,7 +225,7 @@ class Loader {
           LoadChildren(A, Entry.first, Value);
         else if (Key == "scripts")
           LoadScripts(Value, A);
-        else
+        else if (A.Type->Class->IsAvailable())  // a type not built yet is refused as a whole, not per setting
           ApplyProperty(A, Props, ReadOnly, Entry.first, Value);
       });
     }

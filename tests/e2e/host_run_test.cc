@@ -156,7 +156,7 @@ TEST(HostRunTest, ProjectUsingATypeNotAvailableYetIsRefusedBeforeAnythingRuns) {
   TempDir D;
   std::string Name = FirstUnavailableAction(D.Path());
   if (Name.empty()) GTEST_SKIP() << "every action type is available";
-  std::string Yaml = "actions:\n  - action: Create Directory\n    FileOrDirectory: made\n  - action: \"" + Name + "\"\n";
+  std::string Yaml = "actions:\n  - action: Create Directory\n    FileOrDirectory: made\n  - action: \"" + Name + "\"\n    AnySetting: x\n";
   ZtResult R = RunZt(D.Path(), Yaml);
   EXPECT_EQ(R.ExitCode, 2);
   EXPECT_EQ(R.Stderr, "project.yml:4: " + Name + " is not available yet\n");

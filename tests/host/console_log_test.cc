@@ -55,6 +55,41 @@ TEST(ConsoleLogTest, HeadingsResultsAndTheLineThatPointsAtTheFailure) {
             "release.yml:9: \033[31m[3] Copy: Variable \"X\" is not defined\033[0m\n");
 }
 
+TEST(ConsoleLogTest, QuietPrintsFailedActionsWithTheirLoopAndOnlyTheirOwnPass) {
+  std::string Text = Printed({/*IsTerminal=*/false, /*Color=*/false, /*Quiet=*/true}, [](ConsoleLog& L) {
+    L.BuildStart("Demo", "release.yml");
+    L.ActionStart("1", "Each", "C", "Each", 2);
+    L.Message("1", "Found 4 Items", false);
+    const std::pair<const char*, ActionResult> Passes[] = {{"a", ActionResult::Success},
+                                                           {"b", ActionResult::Ignored},
+                                                           {"c", ActionResult::Success},
+                                                           {"d", ActionResult::Failure}};
+    int Index = 0;
+    for (const auto& [Value, Result] : Passes) {
+      L.Iteration("1", ++Index, 4, Value);
+      L.ActionStart("1.1", "Copy", "C", "Copy", 4);
+      L.Message("1.1", std::string("copying ") + Value, false);
+      L.ActionEnd("1.1", Result, 1);
+    }
+    L.ActionEnd("1", ActionResult::Failure, 5);
+    L.BuildEnd(BuildResult::Failure, 5, "1.1");
+  });
+  EXPECT_EQ(Text,
+            "[1] Each\n"
+            "    Found 4 Items\n"
+            "  pass 2 of 4: b\n"
+            "  [1.1] Copy\n"
+            "      copying b\n"
+            "      failed (ignored)\n"
+            "  pass 4 of 4: d\n"
+            "  [1.1] Copy\n"
+            "      copying d\n"
+            "      FAILED\n"
+            "    FAILED\n"
+            "Build FAILED: 5 actions (1 ignored, 0 skipped) in 5 ms\n"
+            "release.yml:4: [1.1] Copy: copying d\n");
+}
+
 TEST(ConsoleLogTest, ProgressBarIsCutToTheTerminalWidth) {
   setenv("COLUMNS", "30", 1);  // a memory stream has no window size: the variable stands in
   std::string Text = Printed({/*IsTerminal=*/true, /*Color=*/false, /*Quiet=*/false}, [](ConsoleLog& L) {
