@@ -19,16 +19,7 @@ TEST(HostLoadTest, ProjectsThatCannotRunExitTwoNamingFileAndLine) {
     std::vector<std::string> Args;
     std::string Error;  // the first line on standard error
   } Rows[] = {
-      {"actions:\n  - action: Delete File(s)\n    FileSepc: a.txt\n",
-       {},
-       "project.yml:3: Delete File(s): unknown property \"FileSepc\"; did you mean \"FileSpec\"?"},
-      {"actions:\n  - action: Delete Files\n",
-       {},
-       "project.yml:2: unknown action \"Delete Files\"; did you mean \"Delete File(s)\"?"},
-      {"actions:\n  - action: Delete File(s)\n    DeleteHidden: perhaps\n",
-       {},
-       "project.yml:3: Delete File(s): property \"DeleteHidden\" expects a Boolean (true or false), got "
-       "\"perhaps\""},
+      // Unknown names and bad values: EveryLoadErrorIsReportedOnItsOwnLine.
       {"actions: [\n", {}, "project.yml:2: end of sequence flow not found"},
       {"", {"run", "no-such.yml"}, "no-such.yml: cannot open the project file: No such file or directory"},
       {"", {"run", "."}, ".: is a folder, not a project file"},
