@@ -12,7 +12,9 @@ std::string GetSysDirectory();
 // Creates a new, empty file with a unique name in the temporary directory
 // (TMPDIR on POSIX, else /tmp) and returns its full name; Extension ("xcp"
 // or ".xcp") ends the name. Empty, with the last error set, on failure.
-// The caller deletes the file.
+// The caller removes the file with DeleteTemporaryFile; should the program
+// have to end at once before that, AbandonPendingFiles (stop.h) does.
 std::string GetTemporaryFileName(const std::string& Extension);
+void DeleteTemporaryFile(const std::string& Name);
 
 }  // namespace zt::platform

@@ -140,7 +140,7 @@ bool TZTXCopyAction::InterpretResult(int ExitCode) {
 }
 
 void TZTXCopyAction::RemoveExclusionFile() {
-  if (!FTempFileName.empty() && pf::FileExists(FTempFileName)) pf::DeleteFile(FTempFileName);
+  if (!FTempFileName.empty()) pf::DeleteTemporaryFile(FTempFileName);
   FTempFileName.clear();
 }
 

@@ -151,6 +151,9 @@ std::string TempNameBeside(const std::string& Target);
 // open(Path, Flags | O_CREAT | O_EXCL | O_CLOEXEC, Mode), the new file
 // pending: the descriptor, or -1 with errno set.
 int CreatePendingFile(const std::string& Path, int Flags, mode_t Mode);
+// mkostemps(Template, SuffixLength, O_CLOEXEC), the new file pending: the
+// descriptor, or -1 with errno set.
+int CreatePendingTemporary(std::string& Template, int SuffixLength);
 // Renames the pending file From to To (NoReplace: fails with EEXIST when To
 // exists), which ends its pending state. 0, or the errno of the failure.
 int RenamePendingFile(const std::string& From, const std::string& To, bool NoReplace);

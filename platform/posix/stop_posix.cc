@@ -97,6 +97,13 @@ int CreatePendingFile(const std::string& Path, int Flags, mode_t Mode) {
   return Fd;
 }
 
+int CreatePendingTemporary(std::string& Template, int SuffixLength) {
+  std::lock_guard<std::mutex> Guard(Lock());
+  int Fd = mkostemps(Template.data(), SuffixLength, O_CLOEXEC);
+  if (Fd >= 0) Files().push_back({Template, {}});
+  return Fd;
+}
+
 int RenamePendingFile(const std::string& From, const std::string& To, bool NoReplace) {
   std::lock_guard<std::mutex> Guard(Lock());
   int Error = NoReplace ? RenameNoReplace(From, To) : rename(From.c_str(), To.c_str()) == 0 ? 0 : errno;

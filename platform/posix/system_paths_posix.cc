@@ -1,11 +1,10 @@
-#include <fcntl.h>
-#include <stdlib.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <cstdlib>
 
 #include "platform/errors.h"
+#include "platform/posix/posix_env.h"
 #include "platform/system_paths.h"
 
 namespace zt::platform {
@@ -16,7 +15,7 @@ std::string GetTemporaryFileName(const std::string& Extension) {
   const char* Dir = std::getenv("TMPDIR");
   std::string Suffix = Extension.empty() || Extension[0] == '.' ? Extension : "." + Extension;
   std::string Name = std::string(Dir && *Dir ? Dir : "/tmp") + "/zt-XXXXXX" + Suffix;
-  const int Fd = mkostemps(Name.data(), static_cast<int>(Suffix.size()), O_CLOEXEC);
+  const int Fd = posix::CreatePendingTemporary(Name, static_cast<int>(Suffix.size()));
   if (Fd < 0) {
     SetLastError(ErrnoToWindowsError(errno));
     return {};
@@ -24,5 +23,7 @@ std::string GetTemporaryFileName(const std::string& Extension) {
   close(Fd);
   return Name;
 }
+
+void DeleteTemporaryFile(const std::string& Name) { posix::RemovePendingFile(Name); }
 
 }  // namespace zt::platform

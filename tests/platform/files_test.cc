@@ -1,10 +1,12 @@
-// Deleting files, creating and removing directories.
+// Deleting files, creating and removing directories, temporary files.
 #include "platform/files.h"
 
 #include <gtest/gtest.h>
+#include <stdlib.h>
 #include <sys/stat.h>
 
 #include "platform/stop.h"
+#include "platform/system_paths.h"
 #include "tests/platform/file_util.h"
 #include "tests/support/TempDir.h"
 
@@ -134,6 +136,27 @@ TEST(Files, AfterAStopLongOperationsFailAtOnceUntilResumed) {
   EXPECT_EQ(FileRead(H, Buffer, 3), 3);
   FileClose(H);
   EXPECT_EQ(zt::testing::ListNames(T.Path()), std::vector<std::string>{"a.txt"});
+}
+
+TEST(Files, TemporaryFileGoesWithItsOwnerOrWithAnAbruptEnd) {
+  TempDir T;
+  setenv("TMPDIR", T.Path().c_str(), 1);
+  const std::string Name = GetTemporaryFileName("xcp");
+  EXPECT_EQ(Name.rfind(T / "zt-", 0), 0u);
+  EXPECT_EQ(Name.substr(Name.size() - 4), ".xcp");
+  EXPECT_TRUE(Exists(Name));
+  DeleteTemporaryFile(Name);
+  EXPECT_FALSE(Exists(Name));
+  // A program that must end at once takes the files it still has with it.
+  EXPECT_EXIT(
+      {
+        GetTemporaryFileName(".xcp");
+        AbandonPendingFiles();
+        std::_Exit(0);
+      },
+      ::testing::ExitedWithCode(0), "");
+  unsetenv("TMPDIR");
+  EXPECT_EQ(zt::testing::ListNames(T.Path()), std::vector<std::string>{});
 }
 
 }  // namespace
