@@ -123,8 +123,7 @@ bool PosixEnv::WriteFileAtomically(const std::string& Path, const std::string& H
   const std::string File = FinalTarget(Path);
   struct stat Old;
   const bool Exists = stat(File.c_str(), &Old) == 0;
-  if (Exists && (CheckWritable(Old) != ERROR_SUCCESS || !S_ISREG(Old.st_mode)))
-    return Fail(ERROR_ACCESS_DENIED);
+  if (Exists && CheckWritable(Old) != ERROR_SUCCESS) return Fail(ERROR_ACCESS_DENIED);
   if (Exists && Old.st_nlink > 1) return RewriteWithTail(File, Head, Tail);
   std::string TempPath;
   DWORD Error = ERROR_SUCCESS;

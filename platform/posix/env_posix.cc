@@ -25,7 +25,7 @@ DWORD PathError(int Errno, const std::string& Path) {
 }
 
 DWORD CheckWritable(const struct stat& St) {
-  return S_ISDIR(St.st_mode) || IsReadOnlyMode(St.st_mode) ? ERROR_ACCESS_DENIED : ERROR_SUCCESS;
+  return !S_ISREG(St.st_mode) || IsReadOnlyMode(St.st_mode) ? ERROR_ACCESS_DENIED : ERROR_SUCCESS;
 }
 
 int CreateTempBeside(const std::string& Target, std::string& TempPath, DWORD& Error, mode_t Mode) {

@@ -89,7 +89,7 @@ THandle PosixEnv::FileOpen(const std::string& Path, int Mode) {
 THandle PosixEnv::FileCreate(const std::string& Path) {
   struct stat St;
   if (stat(Path.c_str(), &St) == 0) {
-    if (CheckWritable(St) != ERROR_SUCCESS || !S_ISREG(St.st_mode)) return Failed(ERROR_ACCESS_DENIED);
+    if (CheckWritable(St) != ERROR_SUCCESS) return Failed(ERROR_ACCESS_DENIED);
     // Windows will not recreate a hidden or system file as a normal one.
     if (ReadStoredBits(Path) & (FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM))
       return Failed(ERROR_ACCESS_DENIED);

@@ -82,7 +82,7 @@ bool TFileUpdate::Begin(const std::string& Path, bool Create) {
     Created_ = Created;
     struct stat Locked, Named;
     DWORD Error = fstat(Fd, &Locked) != 0 ? ErrnoToWindowsError(errno) : ERROR_SUCCESS;
-    if (Error == ERROR_SUCCESS && (!S_ISREG(Locked.st_mode) || posix::CheckWritable(Locked) != ERROR_SUCCESS))
+    if (Error == ERROR_SUCCESS && posix::CheckWritable(Locked) != ERROR_SUCCESS)
       Error = ERROR_ACCESS_DENIED;
     if (Error == ERROR_SUCCESS) Error = LockExclusively(Fd, Deadline);
     if (Error != ERROR_SUCCESS) {

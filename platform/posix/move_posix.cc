@@ -32,7 +32,8 @@ bool PosixEnv::MoveFileWithProgressA(const std::string& Existing, const std::str
   if (lstat(New.c_str(), &Target) == 0) {
     if (Existing == New) return true;  // moving a file onto itself changes nothing
     if (!Replace) return Fail(ERROR_ALREADY_EXISTS);
-    if (CheckWritable(Target) != ERROR_SUCCESS) return Fail(ERROR_ACCESS_DENIED);
+    // A link is replaced itself, whatever it leads to.
+    if (!S_ISLNK(Target.st_mode) && CheckWritable(Target) != ERROR_SUCCESS) return Fail(ERROR_ACCESS_DENIED);
   }
 
   int Error =

@@ -116,8 +116,11 @@ std::string FinalTarget(const std::string& Path);
 // Where no lease can be had for another reason, 0 without one.
 DWORD DenyWriters(int Fd);
 
-// Checks that Path may be replaced or written: 0, or ERROR_ACCESS_DENIED for
-// a read-only file or a directory.
+// Checks that a file may be written, replaced or removed: 0, or
+// ERROR_ACCESS_DENIED for a read-only file, a directory, or anything else
+// that is no regular file (a FIFO, socket or device is never written over,
+// replaced by a copy or removed: writing could block or reach hardware, and
+// replacing /dev/null would break the whole system).
 DWORD CheckWritable(const struct stat& St);
 
 // The copy behind CopyFileExA and a move across file systems. A new target

@@ -24,6 +24,7 @@ TEST(NothingHung, FifosAndDevicesAreRefusedInsteadOfWaitedFor) {
   TempDir D;
   fs::create_directory(D / "in");
   ASSERT_EQ(mkfifo((D / "in/pipe").c_str(), 0666), 0);
+  std::ofstream(D / "a.txt") << "a";
   ZtResult R = RunZt(D.Path(), R"(actions:
   - action: Copy File(s)
     FileSpec: in/*
@@ -35,6 +36,18 @@ TEST(NothingHung, FifosAndDevicesAreRefusedInsteadOfWaitedFor) {
     ignoreFailure: true
   - action: Touch File(s)
     FileSpec: in/*
+  - action: Copy File(s)
+    FileSpec: a.txt
+    Target: in/pipe
+    Force: true
+    ignoreFailure: true
+  - action: Move File(s)
+    FileSpec: a.txt
+    Target: in/pipe
+  - action: Write to Text File
+    FileName: in/pipe
+    NewContent: never waits for a reader
+    ignoreFailure: true
 )");
   EXPECT_EQ(R.ExitCode, 0) << R.Stdout;
   EXPECT_EQ(StatusDetails(R, "1"),
@@ -44,6 +57,17 @@ TEST(NothingHung, FifosAndDevicesAreRefusedInsteadOfWaitedFor) {
   // A FIFO is a system file, which the touch's search leaves out.
   EXPECT_EQ(StatusDetails(R, "3"), Lines{"Processed : 0 File(s)"});
   EXPECT_FALSE(fs::exists(D / "out/pipe"));
+  // Nor is one ever replaced, removed or written to as a target.
+  EXPECT_EQ(StatusDetails(R, "4"),
+            (Lines{"Copying files : a.txt -> in/pipe", "Failed to copy File : a.txt -> in/pipe",
+                   "Win32 Error : Access is denied", "0 Files Copied."}));
+  EXPECT_EQ(StatusDetails(R, "5"),
+            (Lines{"Moving files : a.txt -> in/pipe", " --> Error Moving File : a.txt -> in/pipe",
+                   " --> Cannot create a file when that file already exists", "0 Files Moved."}));
+  EXPECT_EQ(Messages(R, "6"),
+            (Lines{"Error writing to text file:", "Cannot open file \"in/pipe\". Access is denied"}));
+  EXPECT_TRUE(fs::is_fifo(D / "in/pipe"));
+  EXPECT_TRUE(fs::exists(D / "a.txt"));
 }
 
 TEST(NothingHung, StopEndsAChecksumOfAHugeFileWithoutAResult) {
