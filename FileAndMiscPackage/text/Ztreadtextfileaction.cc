@@ -95,9 +95,10 @@ void TZTReadTextFileAction::ReadContents(const std::string& Path, const std::str
   const bool ToVariable = !FZTVariable.empty() && FPutContentsInVar;
   const bool PerLine = !frame::Trim(Script).empty();
   if (!ToVariable && !PerLine) return;  // only checks that the file can be opened
-  std::string Bytes = ReadFileStream(File.Get(), Path);
+  std::string Text = ReadFileStream(File.Get(), Path);
+  frame::TStrings Lines;
+  if (PerLine) Lines.SetText(Text);
   if (ToVariable) {
-    std::string Text = PerLine ? Bytes : std::move(Bytes);
     Text.erase(std::remove(Text.begin(), Text.end(), '\0'), Text.end());
     if (FEscapeVariables) {
       SendMessage("Escaping variables...");
@@ -106,8 +107,6 @@ void TZTReadTextFileAction::ReadContents(const std::string& Path, const std::str
     SetVariable(FZTVariable, frame::TZTVariant(std::move(Text)));
   }
   if (!PerLine) return;
-  frame::TStrings Lines;
-  Lines.SetText(Bytes);
   frame::TZTScriptParams Params;
   InitialiseScriptParams(kOnReadLine, Params);
   auto LineText =

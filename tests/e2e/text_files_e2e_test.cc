@@ -183,8 +183,12 @@ actions:
   - action: Read Text File
     FileName: in.txt
     ZTVariable: UNUSED
+  - action: Read Text File
+    FileName: missing.txt
+    ZTVariable: V
+    PutContentsInVar: true
 )");
-  EXPECT_EQ(R.ExitCode, 0) << R.Stdout;
+  EXPECT_EQ(R.ExitCode, 1);
   EXPECT_EQ(Messages(R, "1"), (Lines{"Reading file...", "Done."}));
   EXPECT_EQ(Messages(R, "2"), (Lines{"Reading file...", "Escaping variables...", "Done."}));
   nlohmann::json Vars = FinalVariables(R);
@@ -194,26 +198,7 @@ actions:
   // Without PutContentsInVar and a script the file is only opened.
   EXPECT_EQ(Messages(R, "4"), (Lines{"Reading file...", "Done."}));
   EXPECT_FALSE(Vars.contains("UNUSED"));
-}
-
-TEST(TextFilesE2E, ReadFailsOnAMissingFileOrAFolder) {
-  TempDir D;
-  fs::create_directory(D / "folder");
-  ZtResult R = RunZt(D.Path(), R"(
-actions:
-  - action: Read Text File
-    FileName: missing.txt
-    ZTVariable: V
-    PutContentsInVar: true
-    ignoreFailure: true
-  - action: Read Text File
-    FileName: folder
-    ZTVariable: V
-    PutContentsInVar: true
-)");
-  EXPECT_EQ(R.ExitCode, 1);
-  EXPECT_EQ(Messages(R, "1"), (Lines{"ERROR - File does not exists: missing.txt"}));
-  EXPECT_EQ(Messages(R, "2"), (Lines{"ERROR - File does not exists: folder"}));
+  EXPECT_EQ(Messages(R, "5"), (Lines{"ERROR - File does not exists: missing.txt"}));
 }
 
 }  // namespace

@@ -170,19 +170,13 @@ actions:
     EraseSection: false
     ignoreFailure: true
   - action: Save Variables to INI
-    INIFile: v.ini
-    SectionName: "%SEC%"
-    Variables: [A]
-    ignoreFailure: true
-  - action: Save Variables to INI
     INIFile: locked.ini
     Variables: [A]
 )");
   EXPECT_EQ(R.ExitCode, 1);
   EXPECT_EQ(Messages(R, "1"), (Lines{"Error expanding variable: LOOP"}));
   EXPECT_EQ(ReadBytes(D / "v.ini"), "[ZTVariables]\r\nOLD=1\r\nA=a\r\n");
-  EXPECT_EQ(Messages(R, "2"), (Lines{"Cannot expand SectionName: variable \"SEC\" is not defined"}));
-  EXPECT_EQ(Messages(R, "3"), (Lines{"Error Opening Ini File : Unable to write to locked.ini"}));
+  EXPECT_EQ(Messages(R, "2"), (Lines{"Error Opening Ini File : Unable to write to locked.ini"}));
   EXPECT_EQ(ReadBytes(D / "locked.ini"), "[ZTVariables]\r\n");
 }
 
