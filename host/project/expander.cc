@@ -1,5 +1,7 @@
 #include "host/project/expander.h"
 
+#include <strings.h>
+
 #include <cstring>
 #include <string_view>
 
@@ -22,6 +24,13 @@ std::string Joined(const std::vector<std::string>& Names) {
 constexpr std::size_t kMaxNesting = 100;
 // Values that repeat each other double at every level; stop before memory runs out.
 constexpr std::size_t kMaxExpandedSize = std::size_t{256} << 20;
+// Larger expanded values are not kept for reuse within a pass (they are expanded again).
+constexpr std::size_t kMaxKeptSize = std::size_t{1} << 20;
+
+// Named after the outermost variable being expanded: the one the user wrote.
+ExpansionError TooLarge(const std::vector<std::string>& Chain, const std::string& Name) {
+  return ExpansionError("Variable \"" + (Chain.empty() ? Name : Chain.front()) + "\" expands to more than 256 MiB");
+}
 
 bool NeedsExpansion(const std::string& Text) {
   return std::memchr(Text.data(), '%', Text.size()) || Text.find("$$(") != std::string::npos;
@@ -135,7 +144,7 @@ void Expander::AppendReference(const std::string& Name, Pass& P, std::string& Ou
     Out += Own->AsString();
   } else {
     for (std::size_t I = 0; I < Chain.size(); ++I)
-      if (LowerCase(Chain[I]) == LowerCase(Name)) {
+      if (strcasecmp(Chain[I].c_str(), Name.c_str()) == 0) {
         std::vector<std::string> Cycle(Chain.begin() + static_cast<std::ptrdiff_t>(I), Chain.end());
         Cycle.push_back(Name);
         throw VariableCycle(std::move(Cycle));
@@ -143,10 +152,18 @@ void Expander::AppendReference(const std::string& Name, Pass& P, std::string& Ou
     if (Chain.size() == kMaxNesting)
       throw ExpansionError("Variable \"" + Name + "\" nests references more than " + std::to_string(kMaxNesting) +
                            " levels deep");
-    Chain.push_back(Name);
-    Append(Own->AsString(), P, Out);
-    Chain.pop_back();
-    if (Out.size() > kMaxExpandedSize) throw ExpansionError("Variable \"" + Name + "\" expands to more than 256 MiB");
+    // A value expanded before in this pass cannot hide a cycle: it would have raised then.
+    if (auto Kept = P.Expanded.find(Own); Kept != P.Expanded.end()) {
+      if (Out.size() + Kept->second.size() > kMaxExpandedSize) throw TooLarge(Chain, Name);
+      Out += Kept->second;
+    } else {
+      std::size_t Start = Out.size();
+      Chain.push_back(Name);
+      Append(Own->AsString(), P, Out);
+      Chain.pop_back();
+      if (Out.size() > kMaxExpandedSize) throw TooLarge(Chain, Name);
+      if (Out.size() - Start <= kMaxKeptSize) P.Expanded.emplace(Own, Out.substr(Start));
+    }
   }
   if (Chain.empty()) ++P.Replaced;
 }

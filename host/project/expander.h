@@ -78,6 +78,9 @@ class Expander {
     bool KeepUnknown;
     int Replaced = 0;
     std::vector<std::string> Chain;
+    // Project variables already expanded in this pass: values that repeat
+    // each other ("%B%%B%") would otherwise double the work at every level.
+    std::unordered_map<const TZTVariant*, std::string> Expanded;
   };
   // Calls Literal(std::string_view) and Reference(name as std::string_view)
   // for the pieces of Text in order: the one tokenizer of every entry point.

@@ -56,6 +56,24 @@ TEST_F(ExpanderTest, UndefinedNameRaisesNamingTheVariable) {
   }
 }
 
+// Each level doubles the one below: without reuse within a pass, 60 levels never end.
+TEST_F(ExpanderTest, ValuesThatRepeatEachOtherExpandOnceAndStopAt256MiB) {
+  Vars.Set("V0", "ab");
+  std::string Expected = "ab";
+  for (int K = 1; K <= 60; ++K) {
+    std::string Below = "%v" + std::to_string(K - 1) + "%";
+    Vars.Set("V" + std::to_string(K), "[" + Below + "|" + Below + "]");
+    if (K <= 4) Expected = "[" + Expected + "|" + Expected + "]";
+  }
+  EXPECT_EQ(Expand("%V4%"), Expected);
+  try {
+    Expand("x%V60%");
+    FAIL() << "no exception";
+  } catch (const ExpansionError& X) {
+    EXPECT_STREQ(X.what(), "Variable \"V60\" expands to more than 256 MiB");
+  }
+}
+
 TEST_F(ExpanderTest, TokenizesEachTextOnceAndSkipsTextsWithoutPercent) {
   EXPECT_EQ(Expand("plain text"), "plain text");
   EXPECT_EQ(E.CachedTexts(), 0u);
