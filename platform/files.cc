@@ -147,17 +147,24 @@ bool ReadWholeFile(const std::string& Path, std::string& Contents) {
 }
 
 bool ReadWholeFile(THandle H, std::string& Contents) {
-  // Read straight into the string, sized from the file's length, so a large
-  // file costs one pass and no re-allocation; the loop still follows a file
-  // that grows or shrinks while it is read.
+  // Read straight into the string, reserved from the file's length, so a
+  // large file costs one pass and no re-allocation; the loop still follows a
+  // file that grows or shrinks while it is read. The string grows a step at
+  // a time: touching gigabytes of fresh memory takes seconds, and a stop is
+  // seen between two steps (FileRead checks it).
+  constexpr std::size_t kStep = std::size_t{16} << 20;
   Contents.clear();
   std::int64_t Size = FileSeek(H, 0, 2);
   FileSeek(H, 0, 0);
   std::size_t Used = 0;
-  Contents.resize(Size > 0 ? static_cast<std::size_t>(Size) + 1 : 65536);
+  Contents.reserve(Size > 0 ? static_cast<std::size_t>(Size) + 1 : 65536);
   for (;;) {
-    if (Used == Contents.size()) Contents.resize(Contents.size() * 2);
-    std::size_t Want = std::min<std::size_t>(Contents.size() - Used, 1u << 30);
+    if (Used == Contents.size()) {
+      // Up to the reserve; past it (the file grew), doubling.
+      const std::size_t Room = Contents.capacity() > Used ? Contents.capacity() - Used : Used;
+      Contents.resize(Used + std::min(Room, kStep));
+    }
+    std::size_t Want = Contents.size() - Used;
     int N = FileRead(H, Contents.data() + Used, static_cast<int>(Want));
     if (N < 0) {
       Contents.clear();

@@ -83,6 +83,27 @@ TEST(NothingHung, StopEndsAChecksumOfAHugeFileWithoutAResult) {
   EXPECT_EQ(ActionResult(R, "1"), "failure");
 }
 
+TEST(NothingHung, StopEndsTheReadOfAHugeTextFileBeforeItIsTakenIn) {
+  TempDir Shm("/dev/shm"), D;
+  const std::string Big = (Shm.Path().empty() ? D.Path() : Shm.Path()) + "/huge.txt";
+  std::ofstream(Big).close();
+  fs::resize_file(Big, std::uintmax_t{2} << 30);  // seconds to take into memory
+  ZtResult R = RunZtAndSignal(D.Path(),
+                              "actions:\n  - action: Read Text File\n    FileName: " + Big +
+                                  "\n    ZTVariable: TEXT\n    PutContentsInVar: true\n",
+                              "\"action-start\"", SIGTERM);
+  EXPECT_EQ(R.ExitCode, 130);
+  EXPECT_EQ(Messages(R, "1"),
+            (Lines{"Reading file...", "Failed to read from text file: Cannot read file \"" + Big +
+                                          "\". The I/O operation has been aborted because of either a "
+                                          "thread exit or an application request"}));
+  for (const auto& E : R.Events) {
+    if (E.value("event", "") == "action-end") {
+      EXPECT_LT(E["duration_ms"].get<int>(), 1000);
+    }
+  }
+}
+
 TEST(NothingHung, FilesOfProcCopyWithTheirContentsAndDevicesAreRefused) {
   TempDir D;
   ZtResult R = RunZt(D.Path(), R"(actions:
