@@ -81,7 +81,7 @@ int HelpCommand(const CommandOptions& O, std::ostream& Out, std::ostream& Err) {
   if (!LoadRegistry(O, false, Err)) return kExitCannotLoad;
   const RegisteredAction* Type = Registry().Find(O.Action);
   if (!Type) {
-    Err << "zt: unknown action \"" << O.Action << "\"" << DidYouMean(O.Action, Registry().Names()) << "\n";
+    Err << "zt: unknown action \"" << O.Action << "\"" << Registry().DidYouMean(O.Action) << "\n";
     return kExitCannotLoad;
   }
   Out << Type->DisplayName << " (" << Type->Class->ClassName << "), category " << Type->Category << ", icon "

@@ -29,31 +29,37 @@ std::size_t EditDistance(const std::string& A, const std::string& B) {
 
 bool IsWordChar(char C) { return std::isalnum(static_cast<unsigned char>(C)) != 0; }
 
-// Where Word stands in Name as a whole word (letter case ignored), or npos.
-std::size_t WordPosition(const std::string& Word, const std::string& Name) {
+// How Name holds Word (letter case ignored): 3 as its first whole word, 2 as
+// a whole word elsewhere, 1 as the start of a word ("crc" in "CRC32"), 0 not.
+int Holding(const std::string& Word, const std::string& Name) {
+  int Best = 0;
   for (std::size_t At = 0; At + Word.size() <= Name.size(); ++At) {
+    if (At > 0 && IsWordChar(Name[At - 1])) continue;
     if (strncasecmp(Name.c_str() + At, Word.c_str(), Word.size()) != 0) continue;
-    bool Before = At == 0 || !IsWordChar(Name[At - 1]);
-    bool After = At + Word.size() == Name.size() || !IsWordChar(Name[At + Word.size()]);
-    if (Before && After) return At;
+    bool Whole = At + Word.size() == Name.size() || !IsWordChar(Name[At + Word.size()]);
+    Best = std::max(Best, !Whole ? 1 : At == 0 ? 3 : 2);
   }
-  return std::string::npos;
+  return Best;
 }
 
 }  // namespace
 
+std::string NameHolding(const std::string& Word, const std::vector<std::string>& Candidates) {
+  const std::string* Holder = nullptr;
+  int Best = 0;
+  if (Word.size() >= 3)
+    for (const auto& C : Candidates)
+      if (int H = Holding(Word, C); H > Best) {
+        Best = H;
+        Holder = &C;
+      }
+  return Holder ? *Holder : std::string();
+}
+
 std::string NearestName(const std::string& Word, const std::vector<std::string>& Candidates) {
   // A name that holds the word ("copy" in "Copy File(s)") is what the user meant, however far
-  // the spelling is; one that starts with it first.
-  if (Word.size() >= 3) {
-    std::string Holder;
-    for (const auto& C : Candidates) {
-      std::size_t At = WordPosition(Word, C);
-      if (At == 0) return C;
-      if (At != std::string::npos && Holder.empty()) Holder = C;
-    }
-    if (!Holder.empty()) return Holder;
-  }
+  // the spelling is.
+  if (std::string Holder = NameHolding(Word, Candidates); !Holder.empty()) return Holder;
   std::string Best;
   std::size_t BestDistance = std::max<std::size_t>(Word.size() / 2, 2) + 1;
   for (const auto& C : Candidates) {
@@ -70,9 +76,12 @@ std::string NearestName(const std::string& Word, const std::vector<std::string>&
   return Best;
 }
 
+std::string SuggestionText(const std::string& Name) {
+  return Name.empty() ? std::string() : "; did you mean \"" + Name + "\"?";
+}
+
 std::string DidYouMean(const std::string& Word, const std::vector<std::string>& Candidates) {
-  std::string Near = NearestName(Word, Candidates);
-  return Near.empty() ? std::string() : "; did you mean \"" + Near + "\"?";
+  return SuggestionText(NearestName(Word, Candidates));
 }
 
 }  // namespace zt::host

@@ -199,7 +199,7 @@ class Loader {
     A.Line = LineOf(Node);
     A.Type = Registry_.Find(TypeName);
     if (!A.Type) {
-      Report(TypeNode, "unknown action \"" + TypeName + "\"" + DidYouMean(TypeName, Registry_.Names()));
+      Report(TypeNode, "unknown action \"" + TypeName + "\"" + Registry_.DidYouMean(TypeName));
       if (const YAML::Node Children = Node["actions"]) Try([&] { LoadActions(Children, Id, A.Children); });
       throw Skip{};
     }

@@ -2,6 +2,8 @@
 
 #include <strings.h>
 
+#include "host/project/did_you_mean.h"
+
 namespace zt::host {
 
 namespace {
@@ -60,13 +62,19 @@ const RegisteredAction* ActionRegistry::Find(const std::string& Name) const {
   return nullptr;
 }
 
-std::vector<std::string> ActionRegistry::Names() const {
-  std::vector<std::string> R;
-  for (const auto& A : Actions_) {
-    R.push_back(A.DisplayName);
-    R.push_back(A.Class->ClassName);
-  }
-  return R;
+std::string ActionRegistry::DidYouMean(const std::string& Word) const {
+  // A name that holds the word is looked for among the types that run first; a
+  // misspelling is matched against every type, those that run winning ties.
+  std::vector<std::string> Available, All;
+  for (bool Runs : {true, false})
+    for (const auto& A : Actions_)
+      if (A.Class->IsAvailable() == Runs)
+        for (const std::string* Name : {&A.DisplayName, &A.Class->ClassName}) {
+          All.push_back(*Name);
+          if (Runs) Available.push_back(*Name);
+        }
+  std::string Near = NameHolding(Word, Available);
+  return SuggestionText(Near.empty() ? NearestName(Word, All) : Near);
 }
 
 std::vector<RegisteredEditor> ActionRegistry::EditorsOf(const RegisteredAction& Type) const {

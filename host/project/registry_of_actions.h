@@ -59,8 +59,9 @@ class ActionRegistry : public frame::IZTActionServices,
   // The action type named by its class name or display name (letter case
   // ignored), or null.
   const RegisteredAction* Find(const std::string& Name) const;
-  // Every class name and display name, for "did you mean".
-  std::vector<std::string> Names() const;
+  // "; did you mean \"X\"?" for a misspelt type name: a type that runs
+  // when one fits, else any registered type; "" when none fits.
+  std::string DidYouMean(const std::string& Word) const;
 
   // Editors registered for Type's class or one of its ancestors, in order.
   std::vector<RegisteredEditor> EditorsOf(const RegisteredAction& Type) const;
