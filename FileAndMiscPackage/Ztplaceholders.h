@@ -48,7 +48,6 @@ frame::TZTActionClass MakePlaceholderClass(const char* Name, const frame::TZTAct
 // --- Stand-ins, in registration order ---
 ZT_PLACEHOLDER(TDeleteDirectoryAction, "Delete Directory")
 ZT_PLACEHOLDER(TZTMoveDirectoryAction, "Move Directory")
-ZT_PLACEHOLDER(TZTScriptAction, "Run Script")
 ZT_PLACEHOLDER(TConcatAction, "Concatenate Files")
 ZT_PLACEHOLDER(TDiskInfoAction, "Get Disk Free Space")
 ZT_PLACEHOLDER(TDateTimeAction, "Get Date/Time")

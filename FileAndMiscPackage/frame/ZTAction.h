@@ -48,12 +48,23 @@ class IZTActionValidationError {
 
 // Parameters of one script run: name -> value, in declaration order. The
 // parameter "Action" stands for the action itself and carries no value.
+// A script sees each parameter as a global of its value's type (a declared
+// integer arrives as an integer); the host reads in-out ones back after the
+// run, as the type the script left them.
 struct TZTScriptParam {
   std::string Name;
   TZTVariant Value;
   bool InOut = false;  // read back after the script ends
 };
 using TZTScriptParams = std::vector<TZTScriptParam>;
+
+// The declared parameter Name of Params (exact name); raises
+// std::out_of_range when the action did not declare it.
+inline TZTScriptParam& ScriptParam(TZTScriptParams& Params, const std::string& Name) {
+  for (auto& P : Params)
+    if (P.Name == Name) return P;
+  throw std::out_of_range("script parameter \"" + Name + "\" is not declared");
+}
 
 // Raised by ExpandExpression when a text refers to an undefined variable.
 class EZTExpandError : public std::runtime_error {
@@ -179,6 +190,13 @@ class TZTAction {
   // Declares the parameters of the script ScriptName before a run.
   virtual void InitialiseScriptParams(const std::string& ScriptName, TZTScriptParams& Params) {
     (void)ScriptName; (void)Params;
+  }
+  // Runs the script method MethodName (one the package registered for this
+  // class with IZTScriptingServices::RegisterMethod; no arguments, no
+  // result). False when the class has no method of that name.
+  virtual bool ExecuteScriptMethod(const std::string& MethodName) {
+    (void)MethodName;
+    return false;
   }
 
   const std::string& GetTitle() const { return Title_; }

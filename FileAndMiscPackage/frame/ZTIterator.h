@@ -80,6 +80,12 @@ class TZTBaseIterator : public TCustomZTAction {
     return Runner->ExecuteLoop(*this);
   }
   bool GetIsFlowControlAction() override { return true; }
+  // "Reset", the script method registered on every loop action.
+  bool ExecuteScriptMethod(const std::string& MethodName) override {
+    if (MethodName != "Reset") return inherited::ExecuteScriptMethod(MethodName);
+    Reset();
+    return true;
+  }
   void GetPropertyAlias(TStrings& List) override { List.Add("ZTVariable=Variable"); }
   void GetPropertyHelp(TStrings& List) override {
     List.Add("ZTVariable=The loop variable: it receives the current item before each pass");

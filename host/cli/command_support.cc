@@ -2,6 +2,8 @@
 
 #include "host/log/annotations.h"
 #include "host/project/package_loader.h"
+#include "host/run/script_runner.h"
+#include "host/run/script_session.h"
 
 namespace zt::host {
 
@@ -42,6 +44,10 @@ int ValidateNodes(const CommandOptions& O, Project& P, std::vector<ActionNode>& 
     ErrorPrinter Errors(O, P, N, Out, Annotate);
     bool Valid = N.Action->Validate(Errors);
     if (!Valid && Errors.Count == 0) Errors.Print("invalid settings");
+    for (const auto& S : N.Scripts) {
+      std::string Error = CompileScript(ScriptFileName(P), S);
+      if (!Error.empty()) Errors.AddError(S.Name, Error);
+    }
     if (!Valid || Errors.Count) ++Invalid;
     Invalid += ValidateNodes(O, P, N.Children, EnabledOnly, Out, Annotate);
   }

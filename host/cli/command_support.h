@@ -26,8 +26,9 @@ int ReportErrors(const CommandOptions& O, const std::string& File, const std::ve
                  std::ostream& Out, std::ostream& Annotate);
 
 // Calls Validate of every action (EnabledOnly: of every action a run would
-// start) attached to a host, printing "<id> <title>: <property title>:
-// <message>" per error on Out; returns how many actions have errors.
+// start) attached to a host and compiles its scripts, printing "<id> <title>:
+// <property title or script name>: <message>" per error on Out; returns how
+// many actions have errors.
 int ValidateActions(const CommandOptions& O, Project& P, bool EnabledOnly, std::ostream& Out,
                     std::ostream& Annotate);
 

@@ -47,6 +47,8 @@ int DescribeCommand(const CommandOptions& O, std::ostream& Out, std::ostream& Er
   ForEachAction(P.Actions, [&](ActionNode& N, int Depth) {
     Out << std::string(2 * Depth, ' ') << N.Action->GetFormattedDescription() << (N.Enabled ? "" : " [disabled]")
         << (N.IgnoreFailure ? " [ignore failure]" : "") << "\n";
+    for (const auto& S : N.Scripts)
+      Out << std::string(2 * Depth + 4, ' ') << "script " << S.Name << " (line " << S.Line << ")\n";
   });
   return kExitOk;
 }

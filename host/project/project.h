@@ -12,6 +12,20 @@
 
 namespace zt::host {
 
+// One entry of an action's `scripts:` map.
+struct ScriptSource {
+  std::string Name;
+  std::string Source;
+  int Line = 0;  // of the source's first line in the project file
+  bool operator==(const ScriptSource&) const = default;
+};
+
+// Scripts the host itself runs around every action's run: BeforeAction may
+// skip the run, AfterAction may change its result.
+inline const std::string kBeforeAction = "BeforeAction";
+inline const std::string kAfterAction = "AfterAction";
+inline const std::vector<std::string> kEventScripts = {kBeforeAction, kAfterAction};
+
 struct ActionNode {
   std::string Id;  // path in the tree: "1", "2", "2.1"
   int Line = 0;    // of the action's mapping in the project file
@@ -19,7 +33,7 @@ struct ActionNode {
   std::unique_ptr<frame::TZTAction> Action;
   bool Enabled = true;
   bool IgnoreFailure = false;
-  std::vector<std::pair<std::string, std::string>> Scripts;  // name -> source, in file order
+  std::vector<ScriptSource> Scripts;  // in file order
   std::vector<ActionNode> Children;
 };
 
@@ -34,6 +48,7 @@ struct FileSetDefinition {
 struct Project {
   std::string File;      // absolute path
   std::string FileName;  // as the user gave it: in messages and the build log
+  const ActionRegistry* Registry = nullptr;  // what it was loaded with (script methods, constants)
   std::string Name;
   std::vector<std::pair<std::string, frame::TZTVariant>> InitialVariables;
   std::vector<FileSetDefinition> FileSets;

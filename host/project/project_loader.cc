@@ -40,11 +40,12 @@ bool TakesChildren(const ActionNode& A) {
 
 class Loader {
  public:
-  Loader(const std::string& FileName, const ActionRegistry& Registry)
-      : FileName_(FileName), Registry_(Registry) {}
+  Loader(const std::string& Text, const std::string& FileName, const ActionRegistry& Registry)
+      : Text_(Text), FileName_(FileName), Registry_(Registry) {}
 
   Project Load(const YAML::Node& Root) {
     Project P;
+    P.Registry = &Registry_;
     bool Fatal = false;
     for (auto& Problem : CheckYaml(Root, &Fatal)) Errors_.push_back({Problem.Line, std::move(Problem.Text)});
     if (!Fatal) Try([&] { LoadRoot(Root, P); });
@@ -239,34 +240,54 @@ class Loader {
     LoadActions(Value, A.Id, A.Children);
   }
 
+  // Names are those the action owns (AddScript) and the host's events.
   void LoadScripts(const YAML::Node& Node, ActionNode& A) {
     if (Node.IsNull()) return;
     if (!Node.IsMap()) Fail(Node, "scripts must be a mapping of script name to source");
+    std::vector<std::string> Names = A.Action->GetScriptNames();
+    Names.insert(Names.end(), kEventScripts.begin(), kEventScripts.end());
     for (const auto& S : Node)
-      Try([&] { A.Scripts.emplace_back(S.first.Scalar(), Scalar(S.second, "script")); });
+      Try([&] {
+        std::string Name = S.first.Scalar();
+        if (std::find(Names.begin(), Names.end(), Name) == Names.end())
+          Fail(S.first, A.Type->DisplayName + ": unknown script \"" + Name + "\"" + DidYouMean(Name, Names));
+        A.Scripts.push_back({Name, Scalar(S.second, "script"), FirstSourceLine(S.second)});
+      });
+  }
+
+  // A block scalar (`|`, `>`) starts on the line after its indicator; any
+  // other scalar on the line of its node.
+  int FirstSourceLine(const YAML::Node& Node) const {
+    const YAML::Mark& M = Node.Mark();
+    if (M.is_null()) return 0;
+    std::size_t P = M.pos;
+    // Skip a tag or an anchor in front of the indicator.
+    while (P < Text_.size() && (Text_[P] == '!' || Text_[P] == '&')) {
+      while (P < Text_.size() && Text_[P] != ' ' && Text_[P] != '\n') ++P;
+      while (P < Text_.size() && Text_[P] == ' ') ++P;
+    }
+    bool Block = P < Text_.size() && (Text_[P] == '|' || Text_[P] == '>');
+    return M.line + 1 + (Block ? 1 : 0);
   }
 
   void ApplyProperty(ActionNode& A, const std::vector<frame::TZTPropInfo>& Props,
                      const frame::TStrings& ReadOnly, const YAML::Node& KeyNode, const YAML::Node& Value) {
-    std::string Key = KeyNode.Scalar();
     const std::string& Type = A.Type->DisplayName;
-    auto It = std::find_if(Props.begin(), Props.end(), [&](const auto& P) { return P.Name == Key; });
-    if (It == Props.end()) {
-      std::vector<std::string> Names = kHostKeys;
-      for (const auto& P : Props) Names.push_back(P.Name);
-      Fail(KeyNode, Type + ": unknown property \"" + Key + "\"" + DidYouMean(Key, Names));
-    }
-    if (It->ReadOnly() || ReadOnly.IndexOf(Key) >= 0)
-      Fail(KeyNode, Type + ": property \"" + Key + "\" is read-only");
+    const frame::TZTPropInfo* Prop = nullptr;
     try {
-      It->Set(*A.Action, PropertyValueFromYaml(*It, Value));
+      Prop = &FindProperty(Props, KeyNode.Scalar(), kHostKeys);
+      CheckWritable(*Prop, ReadOnly);
     } catch (const BadPropertyValue& E) {
-      Fail(Value, Type + ": property \"" + Key + "\" " + E.what());
-    } catch (const std::exception& E) {
-      Fail(Value, Type + ": property \"" + Key + "\": " + E.what());
+      Fail(KeyNode, Type + ": " + E.what());
+    }
+    try {
+      SetPropertyFromYaml(*A.Action, *Prop, Value);
+    } catch (const BadPropertyValue& E) {
+      Fail(Value, Type + ": " + E.what());
     }
   }
 
+  const std::string& Text_;
   std::string FileName_;
   const ActionRegistry& Registry_;
   std::vector<LoadError> Errors_;
@@ -303,7 +324,7 @@ Project LoadProjectText(const std::string& Text, const std::string& FileName,
     throw ProjectError(FileName, {{LineOfError(E), E.msg}});
   }
   try {
-    Project P = Loader(FileName, Registry).Load(Root);
+    Project P = Loader(Text, FileName, Registry).Load(Root);
     P.FileName = FileName;
     return P;
   } catch (const YAML::Exception& E) {

@@ -110,6 +110,34 @@ TZTVariant StringListValue(const YAML::Node& Node) {
 
 }  // namespace
 
+const frame::TZTPropInfo& FindProperty(const std::vector<frame::TZTPropInfo>& Props, const std::string& Name,
+                                       const std::vector<std::string>& OtherNames) {
+  for (const auto& P : Props)
+    if (P.Name == Name) return P;
+  std::vector<std::string> Names = OtherNames;
+  for (const auto& P : Props) Names.push_back(P.Name);
+  throw BadPropertyValue("unknown property \"" + Name + "\"" + DidYouMean(Name, Names));
+}
+
+void CheckWritable(const frame::TZTPropInfo& Prop, const frame::TStrings& ReadOnly) {
+  if (Prop.ReadOnly() || ReadOnly.IndexOf(Prop.Name) >= 0)
+    throw BadPropertyValue("property \"" + Prop.Name + "\" is read-only");
+}
+
+void SetPropertyFromYaml(frame::TZTAction& Action, const frame::TZTPropInfo& Prop, const YAML::Node& Node) {
+  TZTVariant Value;
+  try {
+    Value = PropertyValueFromYaml(Prop, Node);
+  } catch (const BadPropertyValue& E) {
+    throw BadPropertyValue("property \"" + Prop.Name + "\" " + E.what());
+  }
+  try {
+    Prop.Set(Action, Value);
+  } catch (const std::exception& E) {
+    throw BadPropertyValue("property \"" + Prop.Name + "\": " + E.what());
+  }
+}
+
 TZTVariant PropertyValueFromYaml(const frame::TZTPropInfo& Prop, const YAML::Node& Node) {
   switch (Prop.Kind) {
     case TZTPropertyKind::String:

@@ -5,9 +5,11 @@
 
 #include <stdexcept>
 #include <string>
+#include <vector>
 
 #include <yaml-cpp/yaml.h>
 
+#include "frame/ZTAction.h"
 #include "frame/ZTProperties.h"
 
 namespace zt::host {
@@ -17,6 +19,21 @@ class BadPropertyValue : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
 };
+
+// The published property Name among Props (exact name), or throws
+// BadPropertyValue `unknown property "Name"; did you mean "X"?` with the
+// nearest of Props' names and OtherNames.
+const frame::TZTPropInfo& FindProperty(const std::vector<frame::TZTPropInfo>& Props, const std::string& Name,
+                                       const std::vector<std::string>& OtherNames = {});
+
+// Throws BadPropertyValue `property "X" is read-only` for a property without
+// setter or one the action lists in ReadOnly (its GetReadOnlyProperties).
+void CheckWritable(const frame::TZTPropInfo& Prop, const frame::TStrings& ReadOnly);
+
+// Sets Prop of Action through its setter from Node, written as in a project
+// file. Throws BadPropertyValue `property "X" expects ...` for a value of the
+// wrong type, `property "X": <message>` when the setter refuses it.
+void SetPropertyFromYaml(frame::TZTAction& Action, const frame::TZTPropInfo& Prop, const YAML::Node& Node);
 
 // Strings: any scalar as text; Booleans; integers; doubles; date-times as
 // ISO 8601; enumerations by value name or ordinal; sets as a list of value

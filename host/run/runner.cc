@@ -34,7 +34,9 @@ Runner::Runner(Project& P, BuildLog& Log, const VariableList& Overrides)
       Vars_(P.File),
       Objects_(P.FileSets, std::filesystem::path(P.File).parent_path().string(),
                [this](frame::TZTAction& A, const std::string& Line) { HostMessage(A, Line); }),
-      Processes_([this](frame::TZTAction& A, const std::string& Line) { HostMessage(A, Line); }) {
+      Processes_([this](frame::TZTAction& A, const std::string& Line) { HostMessage(A, Line); }),
+      Scripts_(P, *this,
+               [this](const frame::TZTAction& A, const std::string& Line) { HostMessage(A, Line); }) {
   for (const auto& [Name, Value] : P.InitialVariables) Vars_.Set(Name, Value);
   for (const auto& [Name, Value] : Overrides) Vars_.Set(Name, Value);
   ForEachAction(P.Actions, [this](ActionNode& N, int) {
@@ -71,6 +73,29 @@ ActionResult Runner::RunAction(ActionNode& Node) {
     Log_.ActionEnd(Node.Id, ActionResult::Skipped, 0);
     return ActionResult::Skipped;
   }
+  // BeforeAction may skip the run; AfterAction sees and may change its result.
+  bool Skip = false;
+  bool Ok = Scripts_.BeforeAction(Node, Skip);
+  if (Ok && Skip) {
+    Scripts_.EndRun(Node);
+    Log_.ActionEnd(Node.Id, ActionResult::Skipped, MillisecondsSince(Start));
+    return ActionResult::Skipped;
+  }
+  if (Ok) {
+    Ok = Execute(A);
+    if (!Stop_) Scripts_.AfterAction(Node, Ok);
+  }
+  Scripts_.EndRun(Node);
+  ActionResult R = Ok ? ActionResult::Success : Node.IgnoreFailure ? ActionResult::Ignored : ActionResult::Failure;
+  // The build's failure is the deepest: a loop fails after its child, and an ignored loop absorbs it.
+  bool Inner = FailedId_.rfind(Node.Id + ".", 0) == 0;
+  if (R == ActionResult::Failure && !Inner) FailedId_ = Node.Id;
+  if (R != ActionResult::Failure && Inner) FailedId_.clear();
+  Log_.ActionEnd(Node.Id, R, MillisecondsSince(Start));
+  return R;
+}
+
+bool Runner::Execute(frame::TZTAction& A) {
   bool Ok = false;
   frame::TZTAction* Outer = nullptr;  // the loop around a child action
   {
@@ -89,13 +114,7 @@ ActionResult Runner::RunAction(ActionNode& Node) {
     std::lock_guard<std::mutex> Lock(RunningMutex_);
     Running_ = Outer;
   }
-  ActionResult R = Ok ? ActionResult::Success : Node.IgnoreFailure ? ActionResult::Ignored : ActionResult::Failure;
-  // The build's failure is the deepest: a loop fails after its child, and an ignored loop absorbs it.
-  bool Inner = FailedId_.rfind(Node.Id + ".", 0) == 0;
-  if (R == ActionResult::Failure && !Inner) FailedId_ = Node.Id;
-  if (R != ActionResult::Failure && Inner) FailedId_.clear();
-  Log_.ActionEnd(Node.Id, R, MillisecondsSince(Start));
-  return R;
+  return Ok;
 }
 
 void Runner::RequestStop() {
@@ -193,16 +212,16 @@ void Runner::SendStatusMessage(frame::TZTAction& Action, const frame::IZTActionL
 }
 
 std::string Runner::GetScriptByName(frame::TZTAction& Action, const std::string& Name) {
-  auto It = Nodes_.find(&Action);
-  if (It != Nodes_.end())
-    for (const auto& [ScriptName, Source] : It->second->Scripts)
-      if (ScriptName == Name) return Source;
-  return {};
+  const ActionNode* Node = NodeOf(Action);
+  const ScriptSource* Script = Node ? FindScript(*Node, Name) : nullptr;
+  return Script ? Script->Source : std::string();
 }
 
-bool Runner::ExecuteScript(frame::TZTAction& Action, const std::string& Name, frame::TZTScriptParams&) {
-  HostMessage(Action, "Cannot run script " + Name + ": scripts are not supported yet");
-  return false;
+bool Runner::ExecuteScript(frame::TZTAction& Action, const std::string& Name,
+                           frame::TZTScriptParams& Params) {
+  ActionNode* Node = NodeOf(Action);
+  if (!Node) throw std::logic_error("ExecuteScript: the action is not part of this project");
+  return Scripts_.Execute(*Node, Name, Params);
 }
 
 }  // namespace zt::host

@@ -19,6 +19,7 @@
 #include "host/project/variables.h"
 #include "host/run/loop_runner.h"
 #include "host/run/process_runner.h"
+#include "host/run/script_runner.h"
 
 namespace zt::host {
 
@@ -78,6 +79,9 @@ class Runner : public frame::IZTActionHost {
                                       int& ReplaceCount) override;
 
  private:
+  // Execute with the host's catch: false, with a host line, for an exception.
+  bool Execute(frame::TZTAction& A);
+
   Project& Project_;
   BuildLog& Log_;
   Variables Vars_;
@@ -86,6 +90,7 @@ class Runner : public frame::IZTActionHost {
   ProcessRunner Processes_;
   std::unordered_map<const frame::TZTAction*, ActionNode*> Nodes_;
   std::string FailedId_;  // the action whose failure fails the build
+  ScriptRunner Scripts_;
   std::atomic<bool> Stop_{false};
   std::chrono::steady_clock::time_point Start_ = std::chrono::steady_clock::now();
   std::mutex RunningMutex_;  // guards Running_ against RequestStop from another thread

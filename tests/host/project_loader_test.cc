@@ -70,7 +70,7 @@ actions:
   EXPECT_EQ(Second.Action->GetTitle(), "Second");
   EXPECT_FALSE(Second.Enabled);
   EXPECT_TRUE(Second.IgnoreFailure);
-  EXPECT_EQ(Second.Scripts, (std::vector<std::pair<std::string, std::string>>{{"OnRun", "print(1)"}}));
+  EXPECT_EQ(Second.Scripts, (std::vector<ScriptSource>{{"OnRun", "print(1)", 20}}));
   ASSERT_EQ(Second.Children.size(), 2u);
   EXPECT_EQ(Second.Children[1].Id, "2.2");
   EXPECT_EQ(Second.Children[1].Line, 23);
@@ -120,6 +120,8 @@ TEST_F(ProjectLoaderTest, JsonIsReadTheSameWay) {
 TEST_F(ProjectLoaderTest, NamesAreCheckedWithDidYouMean) {
   EXPECT_EQ(ErrorOf("actions:\n  - action: Test Action\n    ignorefailure: true\n"),
             "p.yml:3: Test Action: unknown property \"ignorefailure\"; did you mean \"ignoreFailure\"?");
+  EXPECT_EQ(ErrorOf("actions:\n  - action: Test Action\n    scripts:\n      OnRnu: x()\n"),
+            "p.yml:4: Test Action: unknown script \"OnRnu\"; did you mean \"OnRun\"?");
   EXPECT_EQ(ErrorOf("acions: []\n"),
             "p.yml:1: unknown key \"acions\"; did you mean \"actions\"?\n"
             "p.yml:1: the project has no \"actions\" list (an empty project is \"actions: []\")");

@@ -36,6 +36,17 @@ bool TTestAction::Execute() {
     SendMessage(R);
     return true;
   }
+  if (Behaviour == "script") {
+    for (int I = 1; I <= Count_; ++I) {
+      frame::TZTScriptParams Params;
+      InitialiseScriptParams("OnRun", Params);
+      frame::ScriptParam(Params, "Index").Value = I;
+      frame::ScriptParam(Params, "Text").Value = Text_;
+      if (!ExecuteScript("OnRun", Params)) return false;
+      ScriptRuns.push_back(Params);
+    }
+    return true;
+  }
   if (Behaviour == "wait") {
     while (!StopSignalled() || !Terminated) std::this_thread::sleep_for(std::chrono::milliseconds(1));
     SendMessage("terminated");
@@ -63,9 +74,28 @@ void TTestAction::GetPropertyAlias(frame::TStrings& L) {
 
 void TTestAction::GetPropertyHelp(frame::TStrings& L) { L.Add("Text=The text to log"); }
 
+void TTestAction::InitialiseScriptParams(const std::string& ScriptName, frame::TZTScriptParams& Params) {
+  inherited::InitialiseScriptParams(ScriptName, Params);
+  if (ScriptName != "OnRun") return;
+  Params.push_back({"Action", {}, false});
+  Params.push_back({"Index", 0, false});
+  Params.push_back({"Text", "", true});
+  Params.push_back({"Flag", false, true});
+  Params.push_back({"Ratio", 0.5, true});
+  Params.push_back({"Extra", {}, true});
+}
+
+bool TTestAction::ExecuteScriptMethod(const std::string& MethodName) {
+  if (MethodName != "Rewind") return inherited::ExecuteScriptMethod(MethodName);
+  ++Rewound;
+  return true;
+}
+
 void RegisterTestAction(host::ActionRegistry& Registry) {
   Registry.RegisterAction("Test Action", "Misc", TTestAction::ClassType(), "TESTICON");
   Registry.RegisterAction("Test Group", "Misc", TTestGroup::ClassType(), "TESTICON");
+  Registry.RegisterMethod(TTestAction::ClassType(), "Rewind", "_Reset");
+  Registry.RegisterConstant("tcAnswer", 42);
 }
 
 }  // namespace zt::testing

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <stdexcept>
 #include <string>
+#include <vector>
 
 #include "frame/ZTAction.h"
 #include "host/project/registry_of_actions.h"
@@ -18,6 +19,7 @@ class TTestAction : public frame::TCustomZTAction {
   ZT_DECLARE_CLASS(TTestAction, frame::TCustomZTAction)
 
  public:
+  TTestAction() { AddScript("OnRun"); }
   static std::string GetActionName() { return "Test Action"; }
   static void Publish(frame::TZTPublisher<TTestAction>& P);
 
@@ -27,6 +29,11 @@ class TTestAction : public frame::TCustomZTAction {
   void GetPropertyAlias(frame::TStrings& L) override;
   void GetPropertyHelp(frame::TStrings& L) override;
   void GetReadOnlyProperties(frame::TStrings& L) override { L.Add("Shown"); }
+  // OnRun: Action, Index (integer), Text (text, in-out), Flag (Boolean,
+  // in-out), Ratio (number, in-out), Extra (nothing, in-out).
+  void InitialiseScriptParams(const std::string& ScriptName, frame::TZTScriptParams& Params) override;
+  // The script method "Rewind" (registered by RegisterTestAction).
+  bool ExecuteScriptMethod(const std::string& MethodName) override;
   bool CanTerminate() override { return true; }
   void TerminateAction() override { Terminated = true; }
 
@@ -56,8 +63,12 @@ class TTestAction : public frame::TCustomZTAction {
   int GetShown() const { return Shown_; }
   void SetShown(int V) { Shown_ = V; }
 
-  // What Execute does, set by tests: "ok", "fail", "throw", "expand", "tryexpand", "wait".
+  // What Execute does, set by tests: "ok", "fail", "throw", "expand", "tryexpand", "wait", and
+  // "script": runs OnRun Count times (Index 1, 2, ...; Text = the Text property) and keeps the
+  // parameters after each run in ScriptRuns; fails when a run fails.
   std::string Behaviour = "ok";
+  std::vector<frame::TZTScriptParams> ScriptRuns;
+  int Rewound = 0;
   std::atomic<bool> Terminated{false};
   std::atomic<bool> Started{false};
 
@@ -79,7 +90,8 @@ class TTestGroup : public TTestAction {
   bool GetIsFlowControlAction() override { return true; }
 };
 
-// Registers TTestAction as "Test Action" and TTestGroup as "Test Group" in Registry.
+// Registers TTestAction as "Test Action" and TTestGroup as "Test Group" in
+// Registry, with the script method "Rewind" and the constant "tcAnswer" = 42.
 void RegisterTestAction(host::ActionRegistry& Registry);
 
 }  // namespace zt::testing

@@ -1,0 +1,247 @@
+// Scripts through zt: "Run Script", the host functions, the error line with
+// its project-file line, zt validate and describe, a stop during an endless
+// script, and the BeforeAction / AfterAction events on package actions.
+#include <gtest/gtest.h>
+#include <signal.h>
+
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+#include "ZtRunner.h"
+#include "support/TempDir.h"
+
+namespace zt::testing {
+namespace {
+
+namespace fs = std::filesystem;
+using Lines = std::vector<std::string>;
+
+// Host lines (host: true) of action Id.
+Lines HostLines(const ZtResult& R, const std::string& Id) {
+  Lines L;
+  for (const auto& E : R.Events)
+    if (E["event"] == "message" && E["id"] == Id && E.value("host", false)) L.push_back(E["text"]);
+  return L;
+}
+
+TEST(ScriptsE2E, RunScriptTakesItsResultFromActionResult) {
+  TempDir D;
+  ZtResult R = RunZt(D.Path(), R"(actions:
+  - action: Run Script
+    scripts:
+      OnExecute: Log("untouched")
+  - action: Run Script
+    ignoreFailure: true
+    scripts:
+      OnExecute: ActionResult = false
+  - action: TZTScriptAction
+    ignoreFailure: true
+    scripts:
+      OnExecute: ActionResult = "False"
+  - action: Run Script
+    ignoreFailure: true
+    scripts:
+      OnExecute: |
+        ActionResult = true
+        error("broken")
+  - action: Run Script
+)");
+  ASSERT_EQ(R.ExitCode, 0) << R.Stdout << R.Stderr;
+  Lines Results;
+  for (const char* Id : {"1", "2", "3", "4", "5"}) Results.push_back(ActionResult(R, Id));
+  EXPECT_EQ(Results, (Lines{"success", "ignored", "ignored", "ignored", "success"}));
+  EXPECT_EQ(Messages(R, "1"), (Lines{"untouched"}));
+  EXPECT_EQ(Messages(R, "2"), Lines{});
+  EXPECT_EQ(HostLines(R, "4"), (Lines{"project.yml:18: broken"}));
+  EXPECT_EQ(HostLines(R, "5"), (Lines{"Script OnExecute is empty: nothing to run"}));
+}
+
+TEST(ScriptsE2E, VariablesCrossAsTheirTypes) {
+  TempDir D;
+  setenv("ZT_SCRIPT_TEST_ENV", "from env", 1);
+  ZtResult R = RunZt(D.Path(), R"(variables:
+  TEXT: "12"
+  NUMBER: 12
+  FLAG: true
+  NAME: app-%NUMBER%
+actions:
+  - action: Run Script
+    scripts:
+      OnExecute: |
+        for _, Name in ipairs({"TEXT", "NUMBER", "FLAG", "NAME", "DOSCMD", "ZT_SCRIPT_TEST_ENV", "NOPE"}) do
+          local V = GetVariable(Name)
+          print(Name, math.type(V) or type(V), V)
+        end
+        SetVariable("S", "x")
+        SetVariable("I", -7)
+        SetVariable("F", 2.5)
+        SetVariable("B", false)
+        SetVariable("TEXT", 13)
+        Log(Expand("%NUMBER%-%flag% 100%%"))
+)",
+                     {"--var", "FLAG=false"});
+  unsetenv("ZT_SCRIPT_TEST_ENV");
+  ASSERT_EQ(R.ExitCode, 0) << R.Stdout << R.Stderr;
+  EXPECT_EQ(Messages(R, "1"),
+            (Lines{"TEXT\tstring\t12", "NUMBER\tinteger\t12", "FLAG\tboolean\tfalse",
+                   "NAME\tstring\tapp-%NUMBER%", "DOSCMD\tstring\t/bin/sh",
+                   "ZT_SCRIPT_TEST_ENV\tstring\tfrom env", "NOPE\tnil\tnil", "12-False 100%"}));
+  const auto& Vars = R.Events[R.Events.size() - 2];
+  ASSERT_EQ(Vars["event"], "variables");
+  EXPECT_EQ(Vars["values"], nlohmann::json::parse(R"({"TEXT": 13, "NUMBER": 12, "FLAG": false,
+      "NAME": "app-%NUMBER%", "S": "x", "I": -7, "F": "2.5", "B": false})"));
+}
+
+TEST(ScriptsE2E, ErrorsNameTheProjectFileLine) {
+  TempDir D;
+  const std::string Project = R"(actions:
+  - action: Run Script
+    ignoreFailure: true
+    scripts:
+      BeforeAction: |
+        function Check(X)
+          if not X then error("check failed") end
+        end
+      OnExecute: |
+
+        Check(false)
+  - action: Run Script
+    ignoreFailure: true
+    scripts:
+      OnExecute: "Action.Nothing = 1"
+  - action: Run Script
+    ignoreFailure: true
+    scripts:
+      OnExecute: |
+        Log("a")
+        error({}, 0)
+  - action: Run Script
+    ignoreFailure: true
+    scripts:
+      OnExecute: |
+        SetVariable("X", nil)
+  - action: Run Script
+    ignoreFailure: true
+    scripts:
+      OnExecute: |
+        Log(Expand("%UNDEFINED%"))
+)";
+  ZtResult R = RunZt(D.Path(), Project);
+  ASSERT_EQ(R.ExitCode, 0) << R.Stdout << R.Stderr;
+  const std::string File = "project.yml";
+  EXPECT_EQ(HostLines(R, "1"), (Lines{File + ":7: check failed"}));
+  EXPECT_EQ(HostLines(R, "2"), (Lines{File + ":15: Run Script: unknown property \"Nothing\""}));
+  EXPECT_EQ(HostLines(R, "3"), (Lines{File + ":21: (error object is a table value)"}));
+  EXPECT_EQ(HostLines(R, "4"),
+            (Lines{File + ":26: SetVariable: the value must be a text, number or Boolean, not nil"}));
+  EXPECT_EQ(HostLines(R, "5"), (Lines{File + ":31: Variable \"UNDEFINED\" is not defined"}));
+
+  // zt validate compiles without running, and reports syntax errors alike.
+  R = RunZt(D.Path(), Project, {}, "validate");
+  EXPECT_EQ(R.ExitCode, 0) << R.Stdout;
+  R = RunZt(D.Path(), R"(actions:
+  - action: Run Script
+    scripts:
+      OnExecute: |
+        if x then
+          y =
+        end
+      AfterAction: "Log('x'"
+)",
+            {}, "validate");
+  EXPECT_EQ(R.ExitCode, 1);
+  EXPECT_EQ(R.Stdout, "1 Run Script: OnExecute: " + File + ":7: unexpected symbol near 'end'\n" +
+                          "1 Run Script: AfterAction: " + File + ":8: ')' expected near <eof>\n");
+}
+
+TEST(ScriptsE2E, InterruptStopsAnEndlessScript) {
+  TempDir D;
+  ZtResult R = RunZtAndSignal(D.Path(), R"(actions:
+  - action: Run Script
+    scripts:
+      OnExecute: |
+        Log("looping")
+        while true do end
+  - action: Run Script
+)",
+                              "looping", SIGINT);
+  ASSERT_EQ(R.ExitCode, 130) << R.Stdout << R.Stderr;
+  EXPECT_EQ(HostLines(R, "1"), (Lines{"project.yml:6: the build was stopped"}));
+  EXPECT_EQ(ActionResult(R, "1"), "failure");
+  EXPECT_EQ(ActionResult(R, "2"), "");
+  EXPECT_EQ(R.Events.back()["result"], "stopped");
+}
+
+TEST(ScriptsE2E, BeforeActionMaySkipOrChangeTheActionAndAfterActionItsResult) {
+  TempDir D;
+  for (const char* Name : {"keep.tmp", "a.log", "b.log"}) std::ofstream(D / Name) << "x";
+  ZtResult R = RunZt(D.Path(), R"(actions:
+  - action: Delete File(s)
+    FileSpec: keep.tmp
+    scripts:
+      BeforeAction: Skip = GetVariable("KEEP") ~= nil
+  - action: Delete File(s)
+    FileSpec: nothing.tmp
+    scripts:
+      BeforeAction: Action.FileSpec = "*.log"
+  - action: Check if File Exists
+    FileOrDirectory: missing.txt
+    scripts:
+      AfterAction: |
+        Log("saw " .. tostring(ActionResult))
+        ActionResult = not ActionResult
+  - action: Check if File Exists
+    FileOrDirectory: keep.tmp
+    ignoreFailure: true
+    scripts:
+      AfterAction: ActionResult = false
+  - action: Delete File(s)
+    FileSpec: keep.tmp
+    ignoreFailure: true
+    scripts:
+      BeforeAction: Action.DeleteHidden = "sometimes"
+)",
+                     {"--var", "KEEP=1"});
+  ASSERT_EQ(R.ExitCode, 0) << R.Stdout << R.Stderr;
+  Lines Results;
+  for (const char* Id : {"1", "2", "3", "4", "5"}) Results.push_back(ActionResult(R, Id));
+  EXPECT_EQ(Results, (Lines{"skipped", "success", "success", "ignored", "ignored"}));
+  EXPECT_TRUE(fs::exists(D / "keep.tmp"));  // skipped, and not run after a failed BeforeAction
+  EXPECT_FALSE(fs::exists(D / "a.log"));
+  EXPECT_FALSE(fs::exists(D / "b.log"));
+  EXPECT_EQ(Messages(R, "3").back(), "saw false");
+  EXPECT_EQ(HostLines(R, "5"), (Lines{"project.yml:25: Delete File(s): property \"DeleteHidden\" expects a "
+                                      "Boolean (true or false), got \"sometimes\""}));
+
+  R = RunZt(D.Path(), "", {}, "describe");
+  EXPECT_EQ(R.ExitCode, 0);
+  EXPECT_NE(R.Stdout.find("Delete File(s) [ keep.tmp ]\n    script BeforeAction (line 5)\n"),
+            std::string::npos)
+      << R.Stdout;
+}
+
+TEST(ScriptsE2E, ExampleProjectTagsTheReleaseSkipsOnRequestAndForgivesMissingNotes) {
+  TempDir D;
+  std::stringstream Yaml;
+  Yaml << std::ifstream(std::string(ZT_SOURCE_DIR) + "/examples/scripts.yml").rdbuf();
+  fs::create_directory(D / "scripts-output");
+  std::ofstream(D / "scripts-output/old.log") << "x";
+  ZtResult R = RunZt(D.Path(), Yaml.str(), {"--var", "KEEP_LOGS=true"});
+  ASSERT_EQ(R.ExitCode, 0) << R.Stdout << R.Stderr;
+  EXPECT_EQ(Messages(R, "1"), (Lines{"release tag v1.4.2"}));
+  EXPECT_EQ(R.Events[R.Events.size() - 2]["values"]["TAG"], "v1.4.2");
+  EXPECT_EQ(ActionResult(R, "3"), "skipped");
+  EXPECT_EQ(Messages(R, "3"), (Lines{"keeping the logs"}));
+  EXPECT_TRUE(fs::exists(D / "scripts-output/old.log"));
+  EXPECT_EQ(ActionResult(R, "4"), "success");
+  EXPECT_EQ(Messages(R, "4").back(), "no release notes: going on without them");
+
+  R = RunZt(D.Path(), "");
+  ASSERT_EQ(R.ExitCode, 0) << R.Stdout << R.Stderr;
+  EXPECT_EQ(ActionResult(R, "3"), "success");
+  EXPECT_FALSE(fs::exists(D / "scripts-output/old.log"));
+}
+
+}  // namespace
+}  // namespace zt::testing
