@@ -221,6 +221,33 @@ TEST(ScriptsE2E, BeforeActionMaySkipOrChangeTheActionAndAfterActionItsResult) {
       << R.Stdout;
 }
 
+TEST(ScriptsE2E, EachRunOfAnActionHasItsOwnStateAndLoopsOfferReset) {
+  TempDir D;
+  std::ofstream(D / "lines.txt") << "one\r\ntwo\r\n";
+  ZtResult R = RunZt(D.Path(), R"(actions:
+  - action: List Iterator
+    ZTVariable: ITEM
+    ListOfItems: [a, b]
+    scripts:
+      AfterAction: |
+        Log("index " .. Action.ItemIndex)
+        Action:Reset()
+        Log("index " .. Action.ItemIndex)
+    actions:
+      - action: Read Text File
+        FileName: lines.txt
+        scripts:
+          OnReadLine: |
+            Count = (Count or 0) + 1
+            Log(GetVariable("ITEM") .. Count .. " " .. LineText)
+)");
+  ASSERT_EQ(R.ExitCode, 0) << R.Stdout << R.Stderr;
+  // The per-line script counts across its run's lines, and starts afresh on the next pass.
+  EXPECT_EQ(Messages(R, "1.1"), (Lines{"Reading file...", "a1 one", "a2 two", "Done.", "Reading file...",
+                                       "b1 one", "b2 two", "Done."}));
+  EXPECT_EQ(Messages(R, "1"), (Lines{"Setting items...", "Found 2 Items", "index 1", "index -1"}));
+}
+
 TEST(ScriptsE2E, ExampleProjectTagsTheReleaseSkipsOnRequestAndForgivesMissingNotes) {
   TempDir D;
   std::stringstream Yaml;

@@ -29,10 +29,8 @@ class RunnerTest : public ::testing::Test {
   void Load(const std::string& Yaml) { P = LoadProjectText(Yaml, "p.yml", Registry); }
   TTestAction& Action(std::size_t I) { return static_cast<TTestAction&>(*P.Actions.at(I).Action); }
 
-  // During runs on another thread while the build runs; Twice runs the build
-  // a second time on the same Runner.
-  BuildResult Run(const VariableList& Overrides = {}, std::function<void(Runner&)> During = nullptr,
-                  bool Twice = false) {
+  // During runs on another thread while the build runs.
+  BuildResult Run(const VariableList& Overrides = {}, std::function<void(Runner&)> During = nullptr) {
     char* Buf = nullptr;
     size_t Size = 0;
     BuildResult R;
@@ -43,7 +41,6 @@ class RunnerTest : public ::testing::Test {
       std::thread Other;
       if (During) Other = std::thread([&] { During(Host); });
       R = Host.Run();
-      if (Twice) R = Host.Run();
       if (Other.joinable()) Other.join();
     }
     std::string Text(Buf, Size);
