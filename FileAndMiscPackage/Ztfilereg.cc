@@ -17,6 +17,7 @@
 #include "iterators/Ztreadtextfileiteratoraction.h"
 #include "system/Frunprog.h"
 #include "system/Ztcloseprocessaction.h"
+#include "system/Ztifcomclassregistered.h"
 #include "system/Ztrunscriptaction.h"
 #include "system/Ztshellexecute.h"
 #include "system/Ztxcopyaction.h"

@@ -18,7 +18,19 @@
 namespace zt::frame {
 
 // Version of this contract; the host refuses a package built for another.
-constexpr int ZT_HOST_API_VERSION = 1;
+constexpr int ZT_HOST_API_VERSION = 2;
+
+// GetNextActionSource: State nsExecuted is the moment after the action's
+// Execute; Next tells the host where to go on from there.
+constexpr int nsExecuted = 0;
+constexpr int naChildren = 0;      // run the child actions (the host's default)
+constexpr int naChildrenRun = 1;   // Execute has run the child actions itself (loops)
+constexpr int naSkipChildren = 4;  // skip the child actions: each ends "skipped"
+
+// Host action status values an action may set during Execute
+// (SetActionStatus); the log's action-end event carries them.
+constexpr int asNone = 0;
+constexpr int asConditionNotMet = 9;  // a condition action's test came out false
 
 class TZTAction;
 class IZTProjectObjectAPI;
@@ -187,6 +199,10 @@ class TZTAction {
   // True for actions that decide which of their child actions run (loops,
   // conditions); the host runs child actions only under these.
   virtual bool GetIsFlowControlAction() { return false; }
+  // Asked of a flow-control action after Execute succeeded (or failed with
+  // its failure ignored), with Next set to naChildren: sets Next to say
+  // whether the host runs the child actions now.
+  virtual void GetNextActionSource(int State, int& Next) { (void)State; (void)Next; }
   // Declares the parameters of the script ScriptName before a run.
   virtual void InitialiseScriptParams(const std::string& ScriptName, TZTScriptParams& Params) {
     (void)ScriptName; (void)Params;
@@ -204,6 +220,11 @@ class TZTAction {
   // Names of the scripts the action owns (AddScript), in order.
   const std::vector<std::string>& GetScriptNames() const { return ScriptNames_; }
 
+  // The host action status of the last run (asNone unless Execute set one);
+  // the host resets it before each run.
+  int GetActionStatus() const { return ActionStatus_; }
+  void SetActionStatus(int Status) { ActionStatus_ = Status; }
+
   // Host side: attaches the action to its host before any service call.
   void SetHost(IZTActionHost* Host) { Host_ = Host; }
   IZTActionHost* GetHost() const { return Host_; }
@@ -218,6 +239,7 @@ class TZTAction {
  private:
   std::string Title_;
   IZTActionHost* Host_ = nullptr;
+  int ActionStatus_ = asNone;
 };
 
 template <class Cls>

@@ -86,6 +86,8 @@ class TZTBaseIterator : public TCustomZTAction {
     Reset();
     return true;
   }
+  // The runner has run the child actions in Execute, pass by pass.
+  void GetNextActionSource(int, int& Next) override { Next = naChildrenRun; }
   void GetPropertyAlias(TStrings& List) override { List.Add("ZTVariable=Variable"); }
   void GetPropertyHelp(TStrings& List) override {
     List.Add("ZTVariable=The loop variable: it receives the current item before each pass");

@@ -7,13 +7,14 @@
 #include <CLI/CLI.hpp>
 
 #include "host/cli/commands.h"
+#include "host/cli/registry_command.h"
 #include "host/project/did_you_mean.h"
 #include "host/version.h"
 
 using namespace zt::host;
 
 int main(int argc, char** argv) {
-  const std::vector<std::string> Commands = {"run", "validate", "describe", "actions", "help"};
+  const std::vector<std::string> Commands = {"run", "validate", "describe", "actions", "help", "registry"};
   if (argc > 1 && argv[1][0] != '-') {
     std::string Word = argv[1];
     if (std::find(Commands.begin(), Commands.end(), Word) == Commands.end()) {
@@ -27,6 +28,7 @@ int main(int argc, char** argv) {
       "Examples:\n"
       "  zt run release.yml --var VERSION=1.4.2 --log-json build.jsonl\n"
       "  zt help \"Copy File(s)\"\n"
+      "  zt registry import settings.reg\n"
       "\n"
       "Exit codes: 0 success; 1 the build failed (validate: errors found); 2 the project could not be\n"
       "loaded or the command line is wrong; 130 stopped (Ctrl+C).");
@@ -75,6 +77,9 @@ int main(int argc, char** argv) {
   Help->add_option("ACTION", O.Action, "class name or display name")->required();
   AddPackage(Help);
 
+  RegistryOptions RegistryArgs;
+  CLI::App* Registry = AddRegistryCommand(App, RegistryArgs);
+
   try {
     App.parse(argc, argv);
   } catch (const CLI::ParseError& E) {
@@ -83,6 +88,7 @@ int main(int argc, char** argv) {
   }
 
   if (Run->parsed()) return RunCommand(O, std::cerr);
+  if (Registry->parsed()) return RegistryCommand(*Registry, RegistryArgs, std::cout, std::cerr);
   if (Validate->parsed()) return ValidateCommand(O, std::cout, std::cerr);
   if (Describe->parsed()) return DescribeCommand(O, std::cout, std::cerr);
   if (Actions->parsed()) return ActionsCommand(O, std::cout, std::cerr);

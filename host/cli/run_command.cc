@@ -9,6 +9,7 @@
 
 #include "host/cli/command_support.h"
 #include "host/cli/commands.h"
+#include "host/cli/registry_command.h"
 #include "host/log/annotations.h"
 #include "host/log/console_log.h"
 #include "host/log/json_log.h"
@@ -86,7 +87,7 @@ int RunCommand(const CommandOptions& O, std::ostream& Err) {
       Console, ConsoleOptions{IsTerminal, UseColor(O.Color, IsTerminal), O.Quiet}));
   if (O.Annotations == "github") Log.AddSink(std::make_unique<GitHubAnnotations>(Console));
 
-  if (!O.Registry.empty()) setenv("ZT_REGISTRY", std::filesystem::absolute(O.Registry).c_str(), 1);
+  UseRegistryStore(O.Registry);
   std::error_code Ec;
   std::filesystem::current_path(std::filesystem::path(P.File).parent_path(), Ec);
   if (Ec) {

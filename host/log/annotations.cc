@@ -41,7 +41,7 @@ void GitHubAnnotations::Annotate(const char* Kind, const std::string& Id) {
   std::fflush(Out_);
 }
 
-void GitHubAnnotations::ActionEnd(const std::string& Id, ActionResult Result, std::int64_t) {
+void GitHubAnnotations::ActionEnd(const std::string& Id, ActionResult Result, std::int64_t, int) {
   if (Result == ActionResult::Ignored) Annotate("warning", Id);
 }
 

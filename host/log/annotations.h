@@ -35,7 +35,7 @@ class GitHubAnnotations : public LogSink {
   }
   void Progress(const std::string&, const std::string&, int) override {}
   void Iteration(const std::string&, int, int, const std::optional<std::string>&) override {}
-  void ActionEnd(const std::string& Id, ActionResult Result, std::int64_t) override;
+  void ActionEnd(const std::string& Id, ActionResult Result, std::int64_t, int) override;
   void Variables(const VariableList&) override {}
   void BuildEnd(BuildResult Result, std::int64_t, const std::string& FailedId) override;
 

@@ -49,8 +49,8 @@ void BuildLog::Iteration(const std::string& Id, int Index, int Count,
                          const std::optional<std::string>& Value) {
   Each([&](LogSink& S) { S.Iteration(Id, Index, Count, Value); });
 }
-void BuildLog::ActionEnd(const std::string& Id, ActionResult Result, std::int64_t DurationMs) {
-  Each([&](LogSink& S) { S.ActionEnd(Id, Result, DurationMs); });
+void BuildLog::ActionEnd(const std::string& Id, ActionResult Result, std::int64_t DurationMs, int Status) {
+  Each([&](LogSink& S) { S.ActionEnd(Id, Result, DurationMs, Status); });
 }
 void BuildLog::Variables(const VariableList& Values) {
   Each([&](LogSink& S) { S.Variables(Values); });

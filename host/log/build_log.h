@@ -42,7 +42,7 @@ class LogSink {
   // variable's value, none for a loop without one.
   virtual void Iteration(const std::string& Id, int Index, int Count,
                          const std::optional<std::string>& Value) = 0;
-  virtual void ActionEnd(const std::string& Id, ActionResult Result, std::int64_t DurationMs) = 0;
+  virtual void ActionEnd(const std::string& Id, ActionResult Result, std::int64_t DurationMs, int Status) = 0;
   virtual void Variables(const VariableList& Values) = 0;
   // FailedId: the action that failed the build (the first to fail), "" when none did.
   virtual void BuildEnd(BuildResult Result, std::int64_t DurationMs, const std::string& FailedId) = 0;
@@ -61,7 +61,7 @@ class BuildLog : public LogSink {
   void Progress(const std::string& Id, const std::string& Text, int Percent) override;
   void Iteration(const std::string& Id, int Index, int Count,
                  const std::optional<std::string>& Value) override;
-  void ActionEnd(const std::string& Id, ActionResult Result, std::int64_t DurationMs) override;
+  void ActionEnd(const std::string& Id, ActionResult Result, std::int64_t DurationMs, int Status) override;
   void Variables(const VariableList& Values) override;
   void BuildEnd(BuildResult Result, std::int64_t DurationMs, const std::string& FailedId) override;
 

@@ -175,7 +175,7 @@ void ConsoleLog::Iteration(const std::string& Id, int Index, int Count,
   EventWritten();
 }
 
-void ConsoleLog::ActionEnd(const std::string& Id, ActionResult Result, std::int64_t DurationMs) {
+void ConsoleLog::ActionEnd(const std::string& Id, ActionResult Result, std::int64_t DurationMs, int) {
   ++Actions_;
   std::string Took = DurationMs > kShowDurationMs ? DurationText(DurationMs) : "";
   switch (Result) {

@@ -44,7 +44,7 @@ class ConsoleLog : public LogSink {
   void Progress(const std::string& Id, const std::string& Text, int Percent) override;
   void Iteration(const std::string& Id, int Index, int Count,
                  const std::optional<std::string>& Value) override;
-  void ActionEnd(const std::string& Id, ActionResult Result, std::int64_t DurationMs) override;
+  void ActionEnd(const std::string& Id, ActionResult Result, std::int64_t DurationMs, int Status) override;
   void Variables(const VariableList&) override {}
   void BuildEnd(BuildResult Result, std::int64_t DurationMs, const std::string& FailedId) override;
 

@@ -184,10 +184,11 @@ void JsonLog::Iteration(const std::string& Id, int Index, int Count,
   Write(E);
 }
 
-void JsonLog::ActionEnd(const std::string& Id, ActionResult Result, std::int64_t DurationMs) {
+void JsonLog::ActionEnd(const std::string& Id, ActionResult Result, std::int64_t DurationMs, int Status) {
   ordered_json E = Event("action-end", Id);
   E["result"] = ResultName(Result);
   E["duration_ms"] = DurationMs;
+  if (Status != 0) E["status"] = Status;
   Write(E);
 }
 

@@ -17,4 +17,13 @@ ListResult RunChildActions(Runner& Host, frame::TZTAction& Parent) {
   return Node ? RunActionList(Host, Node->Children) : ListResult::Completed;
 }
 
+ListResult RunOrSkipChildActions(Runner& Host, ActionNode& Node) {
+  int Next = frame::naChildren;
+  Node.Action->GetNextActionSource(frame::nsExecuted, Next);
+  if (Next == frame::naChildren) return RunActionList(Host, Node.Children);
+  if (Next == frame::naSkipChildren)
+    for (ActionNode& Child : Node.Children) Host.SkipAction(Child);
+  return ListResult::Completed;
+}
+
 }  // namespace zt::host

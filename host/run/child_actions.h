@@ -26,4 +26,9 @@ ListResult RunActionList(Runner& Host, std::vector<ActionNode>& Actions);
 // (its children as the project file lists them).
 ListResult RunChildActions(Runner& Host, frame::TZTAction& Parent);
 
+// After the flow-control action of Node has run: runs its child actions,
+// skips them (each logged as skipped), or leaves them to the action (a loop
+// has run them), as the action's GetNextActionSource says.
+ListResult RunOrSkipChildActions(Runner& Host, ActionNode& Node);
+
 }  // namespace zt::host

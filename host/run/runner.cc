@@ -58,9 +58,7 @@ BuildResult Runner::Run() {
   return Result;
 }
 
-
-ActionResult Runner::RunAction(ActionNode& Node) {
-  auto Start = std::chrono::steady_clock::now();
+void Runner::LogStart(ActionNode& Node) {
   frame::TZTAction& A = *Node.Action;
   std::string Description;
   try {
@@ -69,16 +67,28 @@ ActionResult Runner::RunAction(ActionNode& Node) {
     Description = A.GetTitle();
   }
   Log_.ActionStart(Node.Id, A.GetTitle(), A.GetClass().ClassName, Description, Node.Line);
+}
+
+void Runner::SkipAction(ActionNode& Node) {
+  LogStart(Node);
+  Log_.ActionEnd(Node.Id, ActionResult::Skipped, 0, frame::asNone);
+}
+
+ActionResult Runner::RunAction(ActionNode& Node) {
   if (!Node.Enabled) {
-    Log_.ActionEnd(Node.Id, ActionResult::Skipped, 0);
+    SkipAction(Node);
     return ActionResult::Skipped;
   }
+  auto Start = std::chrono::steady_clock::now();
+  frame::TZTAction& A = *Node.Action;
+  LogStart(Node);
+  A.SetActionStatus(frame::asNone);
   // BeforeAction may skip the run; AfterAction sees and may change its result.
   bool Skip = false;
   bool Ok = Scripts_.BeforeAction(Node, Skip);
   if (Ok && Skip) {
     Scripts_.EndRun(Node);
-    Log_.ActionEnd(Node.Id, ActionResult::Skipped, MillisecondsSince(Start));
+    Log_.ActionEnd(Node.Id, ActionResult::Skipped, MillisecondsSince(Start), frame::asNone);
     return ActionResult::Skipped;
   }
   if (Ok) {
@@ -87,11 +97,14 @@ ActionResult Runner::RunAction(ActionNode& Node) {
   }
   Scripts_.EndRun(Node);
   ActionResult R = Ok ? ActionResult::Success : Node.IgnoreFailure ? ActionResult::Ignored : ActionResult::Failure;
+  if (R != ActionResult::Failure && A.GetIsFlowControlAction() &&
+      RunOrSkipChildActions(*this, Node) == ListResult::Failed)
+    R = Node.IgnoreFailure ? ActionResult::Ignored : ActionResult::Failure;
   // The build's failure is the deepest: a loop fails after its child, and an ignored loop absorbs it.
   bool Inner = FailedId_.rfind(Node.Id + ".", 0) == 0;
   if (R == ActionResult::Failure && !Inner) FailedId_ = Node.Id;
   if (R != ActionResult::Failure && Inner) FailedId_.clear();
-  Log_.ActionEnd(Node.Id, R, MillisecondsSince(Start));
+  Log_.ActionEnd(Node.Id, R, MillisecondsSince(Start), A.GetActionStatus());
   return R;
 }
 

@@ -46,8 +46,12 @@ class Runner : public frame::IZTActionHost {
   BuildLog& Log() { return Log_; }
 
   // The one run path of an action: logs its start, runs it (unless it is
-  // disabled), logs any exception as a host line, logs its end.
+  // disabled), logs any exception as a host line, runs or skips the child
+  // actions of a flow-control action (RunOrSkipChildActions), logs its end
+  // with the action's status.
   ActionResult RunAction(ActionNode& Node);
+  // Logs the action's start and its end as skipped; it does not run.
+  void SkipAction(ActionNode& Node);
   // The project's node of Action; null for an action not in the project.
   ActionNode* NodeOf(const frame::TZTAction& Action) const;
   // The id of Action in the tree ("2.1"); "" for an action not in the project.
@@ -79,6 +83,7 @@ class Runner : public frame::IZTActionHost {
                                       int& ReplaceCount) override;
 
  private:
+  void LogStart(ActionNode& Node);
   // Execute with the host's catch: false, with a host line, for an exception.
   bool Execute(frame::TZTAction& A);
 

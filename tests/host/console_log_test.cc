@@ -29,14 +29,14 @@ TEST(ConsoleLogTest, HeadingsResultsAndTheLineThatPointsAtTheFailure) {
   std::string Text = Printed({/*IsTerminal=*/false, /*Color=*/true, /*Quiet=*/false}, [](ConsoleLog& L) {
     L.BuildStart("Demo", "release.yml");
     L.ActionStart("1", "Make output", "C", "Create Directory [ out ]", 3);  // says more than the title
-    L.ActionEnd("1", ActionResult::Success, 1500);
+    L.ActionEnd("1", ActionResult::Success, 1500, 0);
     L.ActionStart("2", "Clean", "C", "Clean [ *.o ]", 7);
     L.Status("2", "", {"Deleting files : *.o", "0 Files Deleted."});
-    L.ActionEnd("2", ActionResult::Ignored, 10);
+    L.ActionEnd("2", ActionResult::Ignored, 10, 0);
     L.ActionStart("3", "Copy", "C", "Copy", 9);
     L.Message("3", "first", false);
     L.Message("3", "Variable \"X\" is not defined", true);
-    L.ActionEnd("3", ActionResult::Failure, 65000);
+    L.ActionEnd("3", ActionResult::Failure, 65000, 0);
     L.BuildEnd(BuildResult::Failure, 66600, "3");
   });
   EXPECT_EQ(Text,
