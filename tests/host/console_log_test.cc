@@ -69,9 +69,9 @@ TEST(ConsoleLogTest, QuietPrintsFailedActionsWithTheirLoopAndOnlyTheirOwnPass) {
       L.Iteration("1", ++Index, 4, Value);
       L.ActionStart("1.1", "Copy", "C", "Copy", 4);
       L.Message("1.1", std::string("copying ") + Value, false);
-      L.ActionEnd("1.1", Result, 1);
+      L.ActionEnd("1.1", Result, 1, 0);
     }
-    L.ActionEnd("1", ActionResult::Failure, 5);
+    L.ActionEnd("1", ActionResult::Failure, 5, 0);
     L.BuildEnd(BuildResult::Failure, 5, "1.1");
   });
   EXPECT_EQ(Text,
