@@ -22,6 +22,7 @@
 #include "system/Ztshellexecute.h"
 #include "system/Ztxcopyaction.h"
 #include "text/Ztcreatetextfileaction.h"
+#include "text/ZTTextFind.h"
 #include "text/Ztinifile.h"
 #include "text/Ztlogvariablevalues.h"
 #include "text/Ztreadtextfileaction.h"

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include "platform/errors.h"
 #include "platform/win_types.h"
@@ -185,6 +186,33 @@ class TFileUpdate {
   std::string Path_;  // the file itself, links resolved
   THandle Handle_ = INVALID_HANDLE_VALUE;
   bool Missing_ = false, Created_ = false;
+};
+
+// A whole file, read-only, for as long as the view is open: the way to
+// search a large file without copying it. Open takes the file as Delphi's
+// TStrings.LoadFromFile does (fmOpenRead | fmShareDenyWrite). While writers
+// are kept out (where the platform can) the view maps the file into memory;
+// otherwise (a file another process has open for writing, a file system
+// without the means) it reads a snapshot, as it does for small files.
+class TFileView {
+ public:
+  TFileView() = default;
+  ~TFileView() { Close(); }
+  TFileView(const TFileView&) = delete;
+  TFileView& operator=(const TFileView&) = delete;
+
+  // False with the last error set when Path cannot be opened or read.
+  bool Open(const std::string& Path);
+  void Close();
+  // The file's bytes; valid until Close.
+  std::string_view Text() const { return Text_; }
+
+ private:
+  THandle Handle_ = INVALID_HANDLE_VALUE;  // held open (with its lease) while mapped
+  void* Mapping_ = nullptr;
+  std::size_t MappedSize_ = 0;
+  std::string Copy_;
+  std::string_view Text_;
 };
 
 }  // namespace zt::platform

@@ -105,6 +105,7 @@ class IZTActionHost {
   virtual std::string GetScriptByName(TZTAction& Action, const std::string& Name) = 0;
   virtual bool ExecuteScript(TZTAction& Action, const std::string& Name, TZTScriptParams& Params) = 0;
   virtual IZTProjectObjectAPI* GetProjectObjectAPI() = 0;
+  // A new, empty builder; never null (TZTStringBuilder will do).
   virtual std::shared_ptr<IZTStringBuilder> CreateStringBuilder() = 0;
   // The host's runners of loop actions and process actions. Null from a host
   // that runs neither (unit-test hosts); such a host never calls Execute on

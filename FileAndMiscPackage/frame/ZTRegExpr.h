@@ -1,12 +1,16 @@
 // TRegExpr: the regular-expression class of text find and replace (Perl-like
 // syntax). Its implementation is the package's own, over PCRE2 with JIT.
 // Positions are 1-based byte offsets, as the find/replace algorithm counts.
+// Defaults: m on (^ and $ at every line), s off (a dot stops at CR and LF),
+// i, x and r off, g on. A line break is CR LF, a lone CR or a lone LF.
 // Not thread-safe: one object per run.
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 
 namespace zt::frame {
 
@@ -35,11 +39,13 @@ class TRegExpr {
   void SetExpression(const std::string& Expression);
   const std::string& GetExpression() const;
 
-  // First match in Input (kept by the object until the next Exec). Raises
-  // ERegExpr when the expression does not compile.
-  bool Exec(const std::string& Input);
+  // First match in Input. The object refers to Input's bytes (no copy)
+  // until the next Exec, so they must outlive the matches. Compiles the
+  // expression when it changed (once per object otherwise); raises ERegExpr
+  // when it does not compile or the engine fails while matching.
+  bool Exec(std::string_view Input);
   // Next match after the current one; an empty match advances by one
-  // character so the search always ends.
+  // character (a CR LF pair counts as one) so the search always ends.
   bool ExecNext();
 
   // Number of groups in the expression.
@@ -47,12 +53,14 @@ class TRegExpr {
   // Of group Index (0 = whole match) in the current match: 1-based position,
   // -1 when the group took no part; its length; its text ("" when it took no
   // part).
-  int GetMatchPos(int Index) const;
-  int GetMatchLen(int Index) const;
+  std::int64_t GetMatchPos(int Index) const;
+  std::int64_t GetMatchLen(int Index) const;
   std::string GetMatch(int Index) const;
 
   // Template with references to the current match: "$0" and "$&" the whole
-  // match, "$n" or "${n}" group n, "\" makes the next character literal.
+  // match, "$n" or "${n}" group n (all the digits that follow), "\" makes
+  // the next character literal; any other "$" is literal. A group the
+  // expression does not have raises ERegExpr; one that took no part gives "".
   std::string Substitute(const std::string& Template) const;
 
  private:

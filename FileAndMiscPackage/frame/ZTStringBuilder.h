@@ -4,6 +4,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 namespace zt::frame {
 
@@ -11,9 +12,9 @@ class IZTStringBuilder {
  public:
   virtual ~IZTStringBuilder() = default;
   virtual void Clear() = 0;
-  virtual void Append(const std::string& Text) = 0;
-  // Appends Count bytes of Text starting at Offset (0-based).
-  virtual void Append(const std::string& Text, std::size_t Offset, std::size_t Count) = 0;
+  // Makes room for a text of Capacity bytes (a hint: appends still grow it).
+  virtual void Reserve(std::size_t Capacity) = 0;
+  virtual void Append(std::string_view Text) = 0;
   virtual const std::string& Text() const = 0;
 };
 
@@ -21,10 +22,8 @@ class IZTStringBuilder {
 class TZTStringBuilder : public IZTStringBuilder {
  public:
   void Clear() override { Text_.clear(); }
-  void Append(const std::string& Text) override { Text_ += Text; }
-  void Append(const std::string& Text, std::size_t Offset, std::size_t Count) override {
-    Text_.append(Text, Offset, Count);
-  }
+  void Reserve(std::size_t Capacity) override { Text_.reserve(Capacity); }
+  void Append(std::string_view Text) override { Text_.append(Text); }
   const std::string& Text() const override { return Text_; }
 
  private:

@@ -2,6 +2,25 @@
 
 namespace zt::host {
 
+namespace {
+
+// True when A and B differ at most in the digits of their numbers.
+bool SameButForNumbers(const std::string& A, const std::string& B) {
+  auto IsDigit = [](char C) { return C >= '0' && C <= '9'; };
+  std::size_t I = 0, J = 0;
+  while (I < A.size() && J < B.size()) {
+    if (IsDigit(A[I]) && IsDigit(B[J])) {
+      while (I < A.size() && IsDigit(A[I])) ++I;
+      while (J < B.size() && IsDigit(B[J])) ++J;
+    } else if (A[I++] != B[J++]) {
+      return false;
+    }
+  }
+  return I == A.size() && J == B.size();
+}
+
+}  // namespace
+
 const char* ResultName(ActionResult R) {
   switch (R) {
     case ActionResult::Success:
@@ -43,7 +62,24 @@ void BuildLog::Status(const std::string& Id, const std::string& Text,
   Each([&](LogSink& S) { S.Status(Id, Text, Details); });
 }
 void BuildLog::Progress(const std::string& Id, const std::string& Text, int Percent) {
-  Each([&](LogSink& S) { S.Progress(Id, Text, Percent); });
+  std::lock_guard<std::mutex> Lock(Mutex_);
+  if (Ended_) return;
+  const bool CountsOn = Percent == Progress_.Percent && Id == Progress_.Id && SameButForNumbers(Text, Progress_.Text);
+  Progress_.Text = Text;
+  if (CountsOn) {
+    Progress_.Held = true;
+    return;
+  }
+  Progress_.Id = Id;
+  Progress_.Percent = Percent;
+  Progress_.Held = false;
+  for (auto& S : Sinks_) S->Progress(Id, Text, Percent);
+}
+
+void BuildLog::SendHeldProgress() {
+  if (!Progress_.Held) return;
+  Progress_.Held = false;
+  for (auto& S : Sinks_) S->Progress(Progress_.Id, Progress_.Text, Progress_.Percent);
 }
 void BuildLog::Iteration(const std::string& Id, int Index, int Count,
                          const std::optional<std::string>& Value) {

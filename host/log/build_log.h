@@ -3,6 +3,12 @@
 // handed to the sinks whole, one at a time. Build-end is the last event:
 // whatever comes after it is dropped (a build ended by a second Ctrl+C may
 // still be running on its thread).
+//
+// Progress that only counts on is coalesced: an action's progress event with
+// the same percent as its last one and the same text but for its numbers
+// ("Found 41 matches" after "Found 40 matches") is held back, and the one
+// held last is written before the next event of any other kind. A search
+// reports every match, and a million matches must not be a million lines.
 #pragma once
 
 #include <cstdint>
@@ -70,12 +76,20 @@ class BuildLog : public LogSink {
   void Each(Fn&& F, bool Last = false) {
     std::lock_guard<std::mutex> Lock(Mutex_);
     if (Ended_) return;
+    SendHeldProgress();
     for (auto& S : Sinks_) F(*S);
     Ended_ = Last;
   }
+  void SendHeldProgress();  // with Mutex_ held
+
   std::mutex Mutex_;
   std::vector<std::unique_ptr<LogSink>> Sinks_;
   bool Ended_ = false;  // build-end was written
+  struct {
+    std::string Id, Text;
+    int Percent = -1;  // -1: no progress written yet
+    bool Held = false;
+  } Progress_;
 };
 
 }  // namespace zt::host

@@ -214,7 +214,12 @@ void Runner::SendMessage(frame::TZTAction& Action, const std::string& Text) {
 }
 
 void Runner::SendProgress(frame::TZTAction& Action, const std::string& Text, int Percent) {
-  Log_.Progress(IdOf(Action), Text, Percent);
+  // A search reports every match: look its id up once, not a million times.
+  if (&Action != ProgressAction_) {
+    ProgressAction_ = &Action;
+    ProgressId_ = &IdOf(Action);
+  }
+  Log_.Progress(*ProgressId_, Text, Percent);
 }
 
 frame::IZTActionLogMessagePtr Runner::CreateStatusMessage(frame::TZTAction&) { return std::make_shared<LogEntry>(); }

@@ -12,6 +12,7 @@
 #include <unordered_map>
 
 #include "frame/ZTAction.h"
+#include "frame/ZTStringBuilder.h"
 #include "host/log/build_log.h"
 #include "host/project/expander.h"
 #include "host/project/file_set.h"
@@ -76,7 +77,9 @@ class Runner : public frame::IZTActionHost {
   std::string GetScriptByName(frame::TZTAction& Action, const std::string& Name) override;
   bool ExecuteScript(frame::TZTAction& Action, const std::string& Name, frame::TZTScriptParams& Params) override;
   frame::IZTProjectObjectAPI* GetProjectObjectAPI() override { return &Objects_; }
-  std::shared_ptr<frame::IZTStringBuilder> CreateStringBuilder() override { return nullptr; }
+  std::shared_ptr<frame::IZTStringBuilder> CreateStringBuilder() override {
+    return std::make_shared<frame::TZTStringBuilder>();
+  }
   frame::IZTLoopRunner* GetLoopRunner() override { return &Loops_; }
   frame::IZTProcessRunner* GetProcessRunner() override { return &Processes_; }
   std::string ExpandExpressionCounted(frame::TZTAction& Action, const std::string& Text, bool FailOnUnknown,
@@ -101,6 +104,9 @@ class Runner : public frame::IZTActionHost {
   std::mutex RunningMutex_;  // guards Running_ against RequestStop from another thread
   frame::TZTAction* Running_ = nullptr;  // the innermost running action
   LoopRunner Loops_{*this};
+  // The last action that sent progress and its id (build thread only).
+  const frame::TZTAction* ProgressAction_ = nullptr;
+  const std::string* ProgressId_ = nullptr;
 };
 
 }  // namespace zt::host

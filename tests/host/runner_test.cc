@@ -1,6 +1,7 @@
 #include "host/run/runner.h"
 
 #include <chrono>
+#include <sstream>
 #include <thread>
 
 #include <gtest/gtest.h>
@@ -113,6 +114,34 @@ TEST(JsonLogTest, ValuesKeepTheirTypesAndBadUtf8IsReplaced) {
   EXPECT_EQ(std::string(Buf, Size),
             "{\"event\":\"message\",\"id\":\"2.1\",\"t_ms\":0,\"text\":\"caf\xef\xbf\xbd\"}\n");
   free(Buf);
+}
+
+TEST(BuildLogTest, ProgressThatOnlyCountsOnIsCoalesced) {
+  char* Buf = nullptr;
+  size_t Size = 0;
+  {
+    BuildLog Log;
+    Log.AddSink(std::make_unique<JsonLog>(open_memstream(&Buf, &Size)));
+    Log.Progress("1", "Found 0 matches", 10);
+    Log.Progress("1", "Found 1 matches", 10);
+    Log.Progress("1", "Found 2 matches", 10);
+    Log.Message("1", "between", false);
+    Log.Progress("1", "Found 3 matches", 10);
+    Log.Progress("1", "Found 4 matches", 20);
+    Log.Progress("1", "Copying 4 files", 20);
+    Log.Progress("2", "Copying 4 files", 20);
+  }
+  std::vector<std::string> Written;
+  std::istringstream In(std::string(Buf, Size));
+  for (std::string Line; std::getline(In, Line);) {
+    json E = json::parse(Line);
+    Written.push_back(E["id"].get<std::string>() + " " + E.value("text", "") + " " +
+                      (E.contains("percent") ? std::to_string(E["percent"].get<int>()) : ""));
+  }
+  free(Buf);
+  EXPECT_EQ(Written, (std::vector<std::string>{"1 Found 0 matches 10", "1 Found 2 matches 10", "1 between ",
+                                               "1 Found 4 matches 20", "1 Copying 4 files 20",
+                                               "2 Copying 4 files 20"}));
 }
 
 }  // namespace

@@ -11,6 +11,7 @@
 #include <strings.h>
 
 #include "frame/ZTAction.h"
+#include "frame/ZTStringBuilder.h"
 
 namespace zt::testing {
 
@@ -86,7 +87,9 @@ class FakeHost : public frame::IZTActionHost {
   }
   bool ExecuteScript(frame::TZTAction&, const std::string&, frame::TZTScriptParams&) override { return true; }
   frame::IZTProjectObjectAPI* GetProjectObjectAPI() override { return nullptr; }
-  std::shared_ptr<frame::IZTStringBuilder> CreateStringBuilder() override { return nullptr; }
+  std::shared_ptr<frame::IZTStringBuilder> CreateStringBuilder() override {
+    return std::make_shared<frame::TZTStringBuilder>();
+  }
 
   // All detail lines of all published entries, in order.
   std::vector<std::string> AllDetails() const {

@@ -3,6 +3,8 @@
 #pragma once
 
 #include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <string>
 
 #include <stdlib.h>
@@ -30,6 +32,17 @@ class TempDir {
   TempDir& operator=(const TempDir&) = delete;
   const std::string& Path() const { return Path_; }
   std::string operator/(const std::string& Name) const { return Path_ + "/" + Name; }
+
+  // Writes Bytes to the file Name (created or replaced) and returns its path.
+  std::string Write(const std::string& Name, const std::string& Bytes) const {
+    std::ofstream(*this / Name, std::ios::binary) << Bytes;
+    return *this / Name;
+  }
+  // The bytes of the file Name; "" when it cannot be read.
+  std::string Read(const std::string& Name) const {
+    std::ifstream In(*this / Name, std::ios::binary);
+    return std::string(std::istreambuf_iterator<char>(In), std::istreambuf_iterator<char>());
+  }
 
  private:
   std::string Path_;

@@ -1,0 +1,196 @@
+// "Text Find / Replace" through zt: the log lines, the files afterwards and
+// the variables, for a file, a project file set and bad input of every kind.
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <filesystem>
+
+#include "ZtRunner.h"
+#include "support/TempDir.h"
+
+namespace zt::testing {
+namespace {
+
+namespace fs = std::filesystem;
+using Lines = std::vector<std::string>;
+using ProgressLines = std::vector<std::pair<std::string, int>>;
+
+ProgressLines ProgressEvents(const ZtResult& R, const std::string& Id) {
+  ProgressLines P;
+  for (const auto& E : R.Events)
+    if (E.value("event", "") == "progress" && E.value("id", "") == Id)
+      P.emplace_back(E.value("text", ""), E.value("percent", -1));
+  return P;
+}
+
+std::string Action(const std::string& Properties) {
+  return "actions:\n  - action: Text Find / Replace\n" + Properties;
+}
+
+TEST(TextFindE2E, ReplaceRewritesTheFileAsCrLfLinesKeepingModeAndByteOrderMark) {
+  TempDir D;
+  D.Write("app.ini", "\xEF\xBB\xBFVersion=1.0\nname=app");
+  chmod((D / "app.ini").c_str(), 0640);
+  ZtResult R = RunZt(D.Path(), "variables:\n  V: 2.5\n" + Action(R"(
+    SourcePath: app.ini
+    SearchString: 'Version=\d+\.\d+'
+    MatchRegExpr: true
+    ReplacementText: Version=%V%
+    ReplacementMode: trOriginalFile
+)"));
+  ASSERT_EQ(R.ExitCode, 0) << R.Stdout << R.Stderr;
+  EXPECT_EQ(R.Events[1]["description"],
+            "Text Replace [ Version=\\d+\\.\\d+... ] with [ Version=%V%... ]  in [ app.ini ]");
+  EXPECT_EQ(Messages(R, "1"), (Lines{"Found 1 match.", "Writing replaced data to file app.ini"}));
+  EXPECT_EQ(ProgressEvents(R, "1"), (ProgressLines{{"Found 0 matches", 4}, {"Found 1 matches", 100}}));
+  EXPECT_EQ(D.Read("app.ini"), "\xEF\xBB\xBFVersion=2.5\r\nname=app\r\n");
+  EXPECT_EQ(fs::status(D / "app.ini").permissions() & fs::perms::all,
+            fs::perms::owner_read | fs::perms::owner_write | fs::perms::group_read);
+  EXPECT_EQ(std::distance(fs::directory_iterator(D.Path()), {}), 3);  // the file, project.yml, log.jsonl
+}
+
+TEST(TextFindE2E, BadInputFailsWithAClearMessageAndKeepsTheFile) {
+  struct Case {
+    const char* Name;
+    const char* Properties;
+    Lines Messages;
+  } Cases[] = {
+      {"invalid regex",
+       "    SearchString: '(a'\n    MatchRegExpr: true\n",
+       {"An error occured:",
+        "A syntax error occured parsing the Regular Expression : missing closing parenthesis at offset 2"}},
+      {"empty search", "    SearchString: ''\n", {"An error occured:", "Search string is blank"}},
+      {"missing file",
+       "    SearchString: a\n    SourcePath: missing.txt\n",
+       {"An error occured:", "Cannot open file \"missing.txt\". The system cannot find the file specified"}},
+      {"directory",
+       "    SearchString: a\n    SourcePath: .\n",
+       {"An error occured:", "Cannot open file \".\". Access is denied"}},
+      {"read-only file",
+       "    SearchString: a\n    ReplacementMode: trOriginalFile\n    SourcePath: readonly.txt\n",
+       {"Found 1 match.", "Writing replaced data to file readonly.txt",
+        "An error occured:", "Unable to delete destination file."}},
+      {"blank output",
+       "    SearchString: a\n    ReplacementMode: trDestinationFile\n    DestinationFile: ' '\n",
+       {"Found 1 match.", "An error occured:", "Output filename is blank."}},
+      {"variable and file set",
+       "    SearchString: a\n    UseVariable: true\n    UseFileSet: true\n",
+       {"Error: Both \"Use Variable\" and \"Use FileSet\" are enabled."}},
+      {"file set to one file",
+       "    SearchString: a\n    UseFileSet: true\n    ReplacementMode: trDestinationFile\n",
+       {"Error: Action is configured to search across a FileSet but output to a single destination file. "
+        "Invalid combination."}},
+      {"unknown file set",
+       "    SearchString: a\n    UseFileSet: true\n    FileSetName: Nope\n",
+       {"An error occured:", "FileSet Nope not found."}},
+  };
+  for (const Case& C : Cases) {
+    SCOPED_TRACE(C.Name);
+    TempDir D;
+    D.Write("a.txt", "abc\n");
+    D.Write("readonly.txt", "abc\n");
+    chmod((D / "readonly.txt").c_str(), 0444);
+    ZtResult R = RunZt(D.Path(), Action("    SourcePath: a.txt\n" + std::string(C.Properties)));
+    EXPECT_EQ(R.ExitCode, 1) << R.Stderr;
+    EXPECT_EQ(Messages(R, "1"), C.Messages);
+    EXPECT_EQ(D.Read("a.txt"), "abc\n");
+    EXPECT_EQ(D.Read("readonly.txt"), "abc\n");
+    EXPECT_EQ(std::distance(fs::directory_iterator(D.Path()), {}), 4);
+  }
+}
+
+TEST(TextFindE2E, BinaryBytesAndNulsAreKeptAsTheyAre) {
+  TempDir D;
+  const std::string Binary("\x00\x01x\x00\xff\r\nx\x80", 9);
+  D.Write("data.bin", Binary);
+  ZtResult R = RunZt(D.Path(), Action(R"(
+    SourcePath: data.bin
+    SearchString: x
+    ReplacementText: y
+    ReplacementMode: trDestinationFile
+    DestinationFile: out.bin
+)"));
+  ASSERT_EQ(R.ExitCode, 0) << R.Stderr;
+  EXPECT_EQ(Messages(R, "1"), (Lines{"Found 2 matches.", "Writing replaced data to file out.bin"}));
+  EXPECT_EQ(D.Read("out.bin"), std::string("\x00\x01y\x00\xff\r\ny\x80\r\n", 11));
+  EXPECT_EQ(D.Read("data.bin"), Binary);
+}
+
+const char* kFileSets = R"(filesets:
+  Texts:
+    base: src
+    include: ["*.txt"]
+  None:
+    base: src
+    include: ["*.none"]
+)";
+
+TEST(TextFindE2E, FileSetStopsAtTheFirstFileWhoseCountFails) {
+  TempDir D;
+  fs::create_directory(D / "src");
+  D.Write("src/a.txt", "x x");
+  D.Write("src/b.txt", "y");
+  D.Write("src/c.txt", "x");
+  ZtResult R = RunZt(D.Path(), kFileSets + Action(R"(
+    UseFileSet: true
+    FileSetName: Texts
+    SearchString: x
+    ReplacementText: z
+    ReplacementMode: trOriginalFile
+    TextFindBehaviour: tfFailOnLess
+)"));
+  EXPECT_EQ(R.ExitCode, 1) << R.Stderr;
+  const std::string Src = D / "src/";
+  EXPECT_EQ(Messages(R, "1"), (Lines{"Replacing inside file " + Src + "a.txt...", "Found 2 matches.",
+                                     "Replacing inside file " + Src + "b.txt...", "No matches were found.",
+                                     "Failing due to insufficient matches."}));
+  // The figures lag one file behind.
+  EXPECT_EQ(ProgressEvents(R, "1"), (ProgressLines{{"Searched in 0 files", 0}, {"Searched in 1 files", 33}}));
+  EXPECT_EQ(D.Read("src/a.txt"), "z z\r\n");
+  EXPECT_EQ(D.Read("src/b.txt"), "y");
+  EXPECT_EQ(D.Read("src/c.txt"), "x");
+}
+
+TEST(TextFindE2E, FileSetTotalGoesIntoAVariableAlsoForAnEmptySet) {
+  TempDir D;
+  fs::create_directory(D / "src");
+  D.Write("src/a.txt", "x x");
+  D.Write("src/b.txt", "x");
+  const std::string Count = R"(
+    UseFileSet: true
+    SearchString: x
+    FileSetCountAllMatches: true
+    TextFindBehaviour: tfPutIntoVar
+)";
+  ZtResult R = RunZt(D.Path(), std::string(kFileSets) +
+                                   Action(Count + "    FileSetName: Texts\n    PutCountIntoVar: ALL\n") +
+                                   "  - action: Text Find / Replace\n" + Count +
+                                   "    FileSetName: None\n    PutCountIntoVar: NONE\n");
+  ASSERT_EQ(R.ExitCode, 0) << R.Stderr;
+  EXPECT_EQ(Messages(R, "1"),
+            (Lines{"Searching inside file " + (D / "src/a.txt") + "...",
+                   "Searching inside file " + (D / "src/b.txt") + "...", "Found 3 matches."}));
+  EXPECT_EQ(ProgressEvents(R, "1"), (ProgressLines{{"Found 2 matches in 0 files", 0},
+                                                   {"Found 3 matches in 1 files", 50},
+                                                   {"Found 3 matches", 100}}));
+  EXPECT_EQ(Messages(R, "2"), (Lines{"No matches were found."}));
+  const auto& Values = R.Events[R.Events.size() - 2]["values"];
+  EXPECT_EQ(Values["ALL"], 3);
+  EXPECT_EQ(Values["NONE"], 0);
+}
+
+TEST(TextFindE2E, ManyMatchesKeepTheProgressLogShort) {
+  TempDir D;
+  std::string Text;
+  for (int I = 0; I < 5000; ++I) Text += "x\r\n";
+  D.Write("many.txt", Text);
+  ZtResult R = RunZt(D.Path(), Action("    SourcePath: many.txt\n    SearchString: x\n"));
+  ASSERT_EQ(R.ExitCode, 0) << R.Stderr;
+  const ProgressLines P = ProgressEvents(R, "1");
+  EXPECT_LE(P.size(), 102u);
+  EXPECT_EQ(P.front(), std::make_pair(std::string("Found 0 matches"), 0));
+  EXPECT_EQ(P.back(), std::make_pair(std::string("Found 5000 matches"), 100));
+}
+
+}  // namespace
+}  // namespace zt::testing

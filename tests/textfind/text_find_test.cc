@@ -1,0 +1,311 @@
+// "Text Find / Replace" against an in-memory host: how a search string
+// matches, what replaces a match, the count rules, progress, the per-match
+// script and stopping. Files and the real log are in the end-to-end tests.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "platform/env.h"
+#include "support/FakeHost.h"
+#include "support/TempDir.h"
+#include "text/ZTTextFind.h"
+
+namespace zt::package {
+namespace {
+
+using Lines = std::vector<std::string>;
+enum : unsigned {
+  kRegExpr = 1,
+  kCaseSensitive = 2,
+  kWholeWords = 4,
+  kWholeLines = 8,
+  kWildcards = 16,
+  kSubstitute = 32
+};
+
+class TextFindTest : public ::testing::Test {
+ protected:
+  TextFindTest() { Action.SetHost(&Host); }
+
+  // Replaces the matches of Search in the variable TEXT by Replacement and
+  // counts them into N.
+  bool Replace(const std::string& Search, unsigned Flags, const std::string& Text,
+               const std::string& Replacement) {
+    Action.SetSearchString(Search);
+    Action.SetMatchRegExpr(Flags & kRegExpr);
+    Action.SetCaseSensitive(Flags & kCaseSensitive);
+    Action.SetWholeWords(Flags & kWholeWords);
+    Action.SetWholeLinesOnly(Flags & kWholeLines);
+    Action.SetMatchWildcards(Flags & kWildcards);
+    Action.SetSubstitute(Flags & kSubstitute);
+    Action.SetUseVariable(true);
+    Action.SetZTVariable("TEXT");
+    Action.SetReplacementMode(trOriginalFile);
+    Action.SetReplacementText(Replacement);
+    Action.SetTextFindBehaviour(tfPutIntoVar);
+    Action.SetPutCountIntoVar("N");
+    Host.Variables["TEXT"] = Text;
+    return Action.Execute();
+  }
+  std::string Text() { return Host.Variables["TEXT"].AsString(); }
+
+  testing::FakeHost Host;
+  TZTTextFindAction Action;
+};
+
+TEST_F(TextFindTest, SearchOptionsDecideWhatMatches) {
+  struct Case {
+    const char* Search;
+    unsigned Flags;
+    const char* Text;
+    int Count;
+    const char* Replaced;
+  } Cases[] = {
+      {"a.b", 0, "a.b axb", 1, "# axb"},
+      {"(1+1)=[2]^$|{x}", 0, "(1+1)=[2]^$|{x}", 1, "#"},
+      {"a?c", 0, "abc a?c", 1, "abc #"},
+      {"HELLO", 0, "hello Hello", 2, "# #"},
+      {"HELLO", kCaseSensitive, "hello HELLO", 1, "hello #"},
+      {"hello", kRegExpr, "HELLO hello", 1, "HELLO #"},
+      {"cat", kWholeWords, "cat concat cat.", 2, "# concat #."},
+      {"cat", kWholeLines, "cat\r\ncat dog\r\ncat", 2, "#\r\ncat dog\r\n#"},
+      {"a*b", kWildcards, "aXXb\r\na\r\nb", 1, "#\r\na\r\nb"},
+      {"c*t", kWildcards | kWholeWords, "cat coat c t", 2, "# # c t"},
+      {"a\\*b", kWildcards, "a\\*b aXb", 1, "# aXb"},
+      {"x\ny", 0, "x\r\ny x\ny", 2, "# #"},  // a line break written as LF
+      {"^", kRegExpr, "a\r\nb\r\n", 2, "#a\r\n#b\r\n"},
+      {"x*", kRegExpr, "ab", 3, "#a#b#"},
+  };
+  for (const Case& C : Cases) {
+    SCOPED_TRACE(C.Search);
+    ASSERT_TRUE(Replace(C.Search, C.Flags, C.Text, "#"));
+    EXPECT_EQ(Host.Variables["N"], frame::TZTVariant(C.Count));
+    EXPECT_EQ(Text(), C.Replaced);
+  }
+}
+
+TEST_F(TextFindTest, SubstituteFillsInGroupsOfTheMatch) {
+  struct Case {
+    const char* Search;
+    unsigned Flags;
+    const char* Template;
+    const char* Text;
+    const char* Replaced;
+  } Cases[] = {
+      {"x", kSubstitute, "$0${0}$&", "x", "$0${0}$&"},  // plain: the whole match stays literal
+      {"x", kRegExpr | kSubstitute, "[$0|$&|${0}]", "x", "[x|x|x]"},
+      {"k=*;", kWildcards | kSubstitute, "k=<$1>;", "k=v1;", "k=<v1>;"},
+      {"(a)(b)?", kRegExpr | kSubstitute, "${1}-$2-\\$1-$", "a", "a--$1-$"},
+      {"(\\w+)@(\\w+)", kRegExpr | kSubstitute, "$2 at $1", "me@host", "host at me"},
+      {"(\\w+)", kRegExpr, "$1", "word", "$1"},  // without Substitute the text is literal
+  };
+  for (const Case& C : Cases) {
+    SCOPED_TRACE(C.Template);
+    ASSERT_TRUE(Replace(C.Search, C.Flags, C.Text, C.Template));
+    EXPECT_EQ(Text(), C.Replaced);
+  }
+}
+
+TEST_F(TextFindTest, ReplacementExpandsVariablesUnlessToldNotTo) {
+  Host.Variables["V"] = "1.2";
+  ASSERT_TRUE(Replace("x", 0, "x", "v%V%"));
+  EXPECT_EQ(Text(), "v1.2");
+  Action.SetExpandVarsWhenReplacing(false);
+  ASSERT_TRUE(Replace("x", 0, "x", "v%V%"));
+  EXPECT_EQ(Text(), "v%V%");
+}
+
+TEST_F(TextFindTest, FailuresLogAnErrorLineAndTheReason) {
+  struct Case {
+    const char* Search;
+    unsigned Flags;
+    const char* Template;
+    const char* Reason;
+  } Cases[] = {
+      {"", 0, "", "Search string is blank"},
+      {"%NOPE%", 0, "", "Could not expand search string : Variable \"NOPE\" is not defined"},
+      {"x", 0, "%NOPE%", "Could not expand replacement string: Variable \"NOPE\" is not defined"},
+      {"(x", kRegExpr, "",
+       "A syntax error occured parsing the Regular Expression : missing closing parenthesis at offset 2"},
+      {"x*", kWildcards | kSubstitute, "$2",
+       "Could not substitute wildcard reference: No group 2 in the expression (it has 1)"},
+      {"(x)", kRegExpr | kSubstitute, "${3}",
+       "Could not substitute regexp reference: No group 3 in the expression (it has 1)"},
+  };
+  for (const Case& C : Cases) {
+    SCOPED_TRACE(C.Reason);
+    Host.Messages.clear();
+    EXPECT_FALSE(Replace(C.Search, C.Flags, "x", C.Template));
+    EXPECT_EQ(Host.Messages, (Lines{"An error occured:", C.Reason}));
+    EXPECT_EQ(Text(), "x");
+  }
+}
+
+TEST_F(TextFindTest, CountRulesFailOrStoreTheCount) {
+  struct Case {
+    TTextFindBehaviour Behaviour;
+    int Limit;
+    const char* Text;
+    bool Result;
+    Lines Messages;
+  } Cases[] = {
+      {tfDontFail, 1, "y", true, {"No matches were found."}},
+      {tfFailOnLess, 1, "y", false, {"No matches were found.", "Failing due to insufficient matches."}},
+      {tfFailOnLess, 2, "x x", true, {"Found 2 matches."}},
+      {tfFailOnMore, 1, "x x", false, {"Found 2 matches.", "Failing due to too many matches."}},
+      {tfFailOnMore, 1, "x", true, {"Found 1 match."}},
+  };
+  for (const Case& C : Cases) {
+    SCOPED_TRACE(C.Text);
+    Host.Messages.clear();
+    Action.SetSearchString("x");
+    Action.SetUseVariable(true);
+    Action.SetZTVariable("TEXT");
+    Action.SetTextFindBehaviour(C.Behaviour);
+    Action.SetFailMatchCount(C.Limit);
+    Action.SetFailOnMoreMatchCount(C.Limit);
+    Host.Variables["TEXT"] = C.Text;
+    EXPECT_EQ(Action.Execute(), C.Result);
+    EXPECT_EQ(Host.Messages, C.Messages);
+  }
+  ASSERT_TRUE(Replace("x", 0, "x x x", "y"));
+  EXPECT_EQ(Host.Variables["N"], frame::TZTVariant(3));
+  EXPECT_EQ(Host.Messages.back(), "Writing replaced data to variable TEXT...");
+}
+
+TEST_F(TextFindTest, ProgressReportsTheCountBeforeEachMatchThenTheTotal) {
+  ASSERT_TRUE(Replace("x", 0, "x...x.....", "y"));
+  EXPECT_EQ(Host.Progress, (std::vector<std::pair<std::string, int>>{
+                               {"Found 0 matches", 10}, {"Found 1 matches", 50}, {"Found 2 matches", 100}}));
+}
+
+// A host whose script changes the second match's replacement, and records
+// what each call saw.
+struct ScriptHost : testing::FakeHost {
+  std::vector<std::string> Calls;
+  bool Result = true;
+  bool ExecuteScript(frame::TZTAction&, const std::string& Name, frame::TZTScriptParams& Params) override {
+    std::string Seen = Name;
+    for (frame::TZTScriptParam& P : Params) {
+      Seen += " " + P.Name + "=" + P.Value.AsString();
+      if (P.Name == "ReplaceText" && Calls.size() == 1) P.Value = frame::TZTVariant("<2nd>");
+    }
+    Calls.push_back(Seen);
+    return Result;
+  }
+};
+
+TEST(TextFindScriptTest, OnFindTextSeesEachMatchAndMayChangeItsReplacement) {
+  ScriptHost Host;
+  Host.Scripts["OnFindText"] = "ReplaceText = ...";
+  Host.Variables["TEXT"] = "ab ab ab";
+  TZTTextFindAction Action;
+  Action.SetHost(&Host);
+  Action.SetUseVariable(true);
+  Action.SetZTVariable("TEXT");
+  Action.SetSearchString("ab");
+  Action.SetReplacementText("X");
+  Action.SetReplacementMode(trOriginalFile);
+  ASSERT_TRUE(Action.Execute());
+  EXPECT_EQ(Host.Variables["TEXT"].AsString(), "X <2nd> X");
+  EXPECT_EQ(Host.Calls[1], "OnFindText Action= Count=2 FoundText=ab ReplaceText=X Offset=3");
+  Host.Result = false;
+  Host.Variables["TEXT"] = "ab";
+  EXPECT_FALSE(Action.Execute());
+  EXPECT_EQ(Host.Messages, (Lines{"Found 3 matches.", "Writing replaced data to variable TEXT...",
+                                  "An error occured:", "OnFindText failed."}));
+  EXPECT_EQ(Host.Variables["TEXT"].AsString(), "ab");
+}
+
+// A host that asks the action to stop at its second match.
+struct StoppingHost : testing::FakeHost {
+  TZTTextFindAction* Action = nullptr;
+  void SendProgress(frame::TZTAction& A, const std::string& T, int P) override {
+    FakeHost::SendProgress(A, T, P);
+    if (Progress.size() == 2) Action->TerminateAction();
+  }
+};
+
+TEST(TextFindStopTest, StoppedReplaceLeavesTheFileAsItWas) {
+  testing::TempDir Dir;
+  const std::string File = Dir.Write("a.txt", "x\r\nx\r\nx\r\n");
+  StoppingHost Host;
+  TZTTextFindAction Action;
+  Host.Action = &Action;
+  Action.SetHost(&Host);
+  Action.SetSourcePath(File);
+  Action.SetSearchString("x");
+  Action.SetReplacementText("y");
+  Action.SetReplacementMode(trOriginalFile);
+  EXPECT_FALSE(Action.Execute());
+  EXPECT_EQ(Host.Messages, (Lines{"An error occured:", "Terminated."}));
+  EXPECT_EQ(Dir.Read("a.txt"), "x\r\nx\r\nx\r\n");
+  EXPECT_EQ(std::distance(std::filesystem::directory_iterator(Dir.Path()), {}), 1);
+}
+
+// Writing fails the way a full disk fails.
+struct FullDisk : platform::EnvWrapper {
+  FullDisk() : EnvWrapper(platform::Env::Platform()) {}
+  bool WriteFileAtomically(const std::string&, const std::string&) override {
+    platform::SetLastError(platform::ERROR_DISK_FULL);
+    return false;
+  }
+};
+
+TEST(TextFindWriteTest, FailedWriteNamesTheFileAndKeepsIt) {
+  testing::TempDir Dir;
+  const std::string File = Dir.Write("a.txt", "x\r\n");
+  testing::FakeHost Host;
+  TZTTextFindAction Action;
+  Action.SetHost(&Host);
+  Action.SetSourcePath(File);
+  Action.SetSearchString("x");
+  Action.SetReplacementMode(trOriginalFile);
+  FullDisk Env;
+  platform::ScopedEnv Use(&Env);
+  EXPECT_FALSE(Action.Execute());
+  EXPECT_EQ(Host.Messages,
+            (Lines{"Found 1 match.", "Writing replaced data to file " + File, "An error occured:",
+                   "Cannot create file \"" + File + "\". There is not enough space on the disk"}));
+  EXPECT_EQ(Dir.Read("a.txt"), "x\r\n");
+}
+
+TEST(TextFindWriteTest, LargeFileWithTwoNamesIsReplacedUnderBoth) {
+  testing::TempDir Dir;
+  std::string Text;
+  while (Text.size() < (2 << 20)) Text += "version=1\r\n";
+  const std::string File = Dir.Write("big.txt", Text);
+  std::filesystem::create_hard_link(File, Dir / "link.txt");
+  testing::FakeHost Host;
+  TZTTextFindAction Action;
+  Action.SetHost(&Host);
+  Action.SetSourcePath(File);
+  Action.SetSearchString("=1");
+  Action.SetReplacementText("=2");
+  Action.SetReplacementMode(trOriginalFile);
+  ASSERT_TRUE(Action.Execute()) << Host.Messages.back();
+  const std::string Replaced = Dir.Read("link.txt");
+  EXPECT_EQ(Replaced.size(), Text.size());
+  EXPECT_EQ(Replaced.find("=1"), std::string::npos);
+  EXPECT_EQ(Dir.Read("big.txt"), Replaced);
+}
+
+TEST(TextFindDescriptionTest, NamesSearchReplacementAndSource) {
+  TZTTextFindAction A;
+  A.SetSearchString("Version=1\r\nsecond line");
+  A.SetSourcePath("/src/app.rc");
+  EXPECT_EQ(A.GetFormattedDescription(), "Text Find [ Version=1 ]  in [ app.rc ]");
+  A.SetSearchString("Version=1.0");
+  A.SetReplacementText("%V%");
+  A.SetReplacementMode(trDestinationFile);
+  A.SetUseFileSet(true);
+  A.SetFileSetName("Sources");
+  EXPECT_EQ(A.GetFormattedDescription(),
+            "Text Replace [ Version=1.0... ] with [ %V% ]  in FileSet [ Sources ]");
+  A.SetUseVariable(true);
+  A.SetZTVariable("V");
+  EXPECT_EQ(A.GetFormattedDescription(), "Text Replace [ Version=1.0... ] with [ %V% ]  in [ V ]");
+}
+
+}  // namespace
+}  // namespace zt::package
