@@ -254,7 +254,8 @@ void TZTTextFindAction::SearchText(std::string_view Text, frame::TRegExpr& RegEx
     for (bool Found = RegExpr.Exec(Text); Found; Found = RegExpr.ExecNext()) {
       const std::int64_t Position = RegExpr.GetMatchPos(0);
       if (!FSearchingFileSet) ReportProgress(Position, Text.size());
-      ++FCount;
+      // A 32-bit count: past 2^31 matches it wraps, never undefined.
+      FCount = static_cast<std::int32_t>(static_cast<std::uint32_t>(FCount) + 1);
       const std::string* Replacement = Replacing ? &ComputeReplacement(RegExpr) : &kNoReplacement;
       if (!FScript.empty()) {
         if (Replacement != &FReplacement) FReplacement = *Replacement;
