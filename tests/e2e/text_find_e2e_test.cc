@@ -49,6 +49,28 @@ TEST(TextFindE2E, ReplaceRewritesTheFileAsCrLfLinesKeepingModeAndByteOrderMark) 
   EXPECT_EQ(std::distance(fs::directory_iterator(D.Path()), {}), 3);  // the file, project.yml, log.jsonl
 }
 
+TEST(TextFindE2E, OnFindTextScriptSeesEachMatchAndChoosesItsReplacement) {
+  TempDir D;
+  D.Write("v.txt", "v1 v2 v3");
+  ZtResult R = RunZt(D.Path(), Action(R"(
+    SourcePath: v.txt
+    SearchString: 'v(\d)'
+    MatchRegExpr: true
+    Substitute: true
+    ReplacementText: 'w$1'
+    ReplacementMode: trOriginalFile
+    scripts:
+      OnFindText: |
+        Log(math.type(Count) .. " " .. Count .. " " .. math.type(Offset) .. " " .. Offset .. " " .. FoundText .. ">" .. ReplaceText)
+        if Count == 2 then ReplaceText = "two" end
+)"));
+  ASSERT_EQ(R.ExitCode, 0) << R.Stdout << R.Stderr;
+  EXPECT_EQ(Messages(R, "1"), (Lines{"integer 1 integer 0 v1>w1", "integer 2 integer 3 v2>w2",
+                                     "integer 3 integer 6 v3>w3", "Found 3 matches.",
+                                     "Writing replaced data to file v.txt"}));
+  EXPECT_EQ(D.Read("v.txt"), "w1 two w3\r\n");
+}
+
 TEST(TextFindE2E, BadInputFailsWithAClearMessageAndKeepsTheFile) {
   struct Case {
     const char* Name;
