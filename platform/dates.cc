@@ -3,6 +3,7 @@
 #include "platform/dates.h"
 
 #include <cmath>
+#include <cstdint>
 #include <cstdio>
 
 namespace zt::platform {
@@ -10,7 +11,14 @@ namespace zt::platform {
 namespace {
 
 constexpr std::int64_t MSecsPerDay = 86400000;
-constexpr int UnixEpochDay = 25569;  // 1970-01-01 as a TDateTime
+constexpr int UnixEpochDay = 25569;                             // 1970-01-01 as a TDateTime
+constexpr std::int64_t UnitsPerSecond = 10000000;               // file-time units (100 ns)
+constexpr std::int64_t UnixEpochFileTime = 116444736000000000;  // 1970-01-01 as a file time
+
+std::int64_t FloorDiv(std::int64_t A, std::int64_t B) {
+  std::int64_t Q = A / B;
+  return (A % B != 0 && ((A < 0) != (B < 0))) ? Q - 1 : Q;
+}
 
 bool IsLeapYear(int Y) { return Y % 4 == 0 && (Y % 100 != 0 || Y % 400 == 0); }
 
@@ -153,5 +161,38 @@ std::string FormatIsoDateTime(TDateTime D) {
   std::snprintf(Buffer, sizeof Buffer, "%04d-%02d-%02dT%02d:%02d:%02d", Y, Mo, Dd, H, Mi, S);
   return Buffer;
 }
+
+TFileTime UnixToFileTime(std::int64_t Seconds, std::int32_t Nanoseconds) {
+  // Saturates instead of overflowing: a file may claim any time at all.
+  TFileTime T;
+  if (__builtin_mul_overflow(Seconds, UnitsPerSecond, &T) ||
+      __builtin_add_overflow(T, UnixEpochFileTime, &T) || __builtin_add_overflow(T, Nanoseconds / 100, &T))
+    return Seconds < 0 ? INT64_MIN : INT64_MAX;
+  return T;
+}
+
+std::int64_t FileTimeToUnix(TFileTime T) {
+  std::int64_t Units;
+  if (__builtin_sub_overflow(T, UnixEpochFileTime, &Units)) return INT64_MIN / UnitsPerSecond;
+  return FloorDiv(Units, UnitsPerSecond);
+}
+
+TDateTime FileTimeToDateTime(TFileTime T) {
+  std::int64_t Units;
+  if (__builtin_sub_overflow(T, UnixEpochFileTime, &Units)) return 0;
+  const std::int64_t MSecs = FloorDiv(Units, UnitsPerSecond / 1000);
+  const std::int64_t Days = FloorDiv(MSecs, MSecsPerDay) + UnixEpochDay;
+  const double Fraction = static_cast<double>(MSecs - (Days - UnixEpochDay) * MSecsPerDay) / MSecsPerDay;
+  // Before 1899-12-30 the time of day counts away from zero, as in Delphi.
+  return static_cast<double>(Days) + (Days < 0 ? -Fraction : Fraction);
+}
+
+TFileTime DateTimeToFileTime(TDateTime D) {
+  std::int64_t Days, MSecs;
+  Split(D, Days, MSecs);
+  return ((Days - UnixEpochDay) * MSecsPerDay + MSecs) * (UnitsPerSecond / 1000) + UnixEpochFileTime;
+}
+
+TDateTime NowUTC() { return FileTimeToDateTime(GetSystemTimeAsFileTime()); }
 
 }  // namespace zt::platform

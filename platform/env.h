@@ -26,7 +26,8 @@
 
 namespace zt::platform {
 
-// What the file system knows about one path (symbolic links followed).
+// What the file system knows about one path (symbolic links followed; a
+// link still reports FILE_ATTRIBUTE_REPARSE_POINT).
 struct FileInfo {
   DWORD Attributes = 0;               // FILE_ATTRIBUTE_* bits; NORMAL when no other bit is set
   std::int64_t Size = 0;              // bytes; 0 for directories
@@ -102,9 +103,22 @@ class Env {
 
   virtual int FileGetDate(THandle Handle) = 0;
   virtual int FileSetDate(THandle Handle, int Age) = 0;
+  virtual bool SetFileLastWriteTime(const std::string& Path, TFileTime LastWrite) = 0;
+
+  virtual bool GetDiskFreeSpaceExA(const std::string& Directory, std::uint64_t* FreeBytesAvailable,
+                                   std::uint64_t* TotalBytes, std::uint64_t* TotalFreeBytes) = 0;
 
   virtual bool WriteFileAtomically(const std::string& Path, const std::string& Contents) = 0;
   virtual bool WriteFileAtomically(const std::string& Path, const std::string& Head, THandle Tail) = 0;
+  // The three steps of a TFileReplacement (files.h). CreateReplacement
+  // refuses what WriteFileAtomically refuses, then creates a new hidden file
+  // beside the file Path leads to, pending (stop.h), and returns its handle
+  // (read/write) with its name in TempPath. CommitReplacement flushes and
+  // closes it and renames it over that file; AbandonReplacement closes and
+  // removes it. Either ends the replacement, whatever the result.
+  virtual THandle CreateReplacement(const std::string& Path, std::string& TempPath) = 0;
+  virtual bool CommitReplacement(THandle Handle, const std::string& TempPath, const std::string& Path) = 0;
+  virtual void AbandonReplacement(THandle Handle, const std::string& TempPath) = 0;
 
   // ---- Registry services (contracts in registry.h) ----
 
@@ -177,11 +191,27 @@ class EnvWrapper : public Env {
   void FileClose(THandle Handle) override { Target_->FileClose(Handle); }
   int FileGetDate(THandle Handle) override { return Target_->FileGetDate(Handle); }
   int FileSetDate(THandle Handle, int Age) override { return Target_->FileSetDate(Handle, Age); }
+  bool SetFileLastWriteTime(const std::string& Path, TFileTime LastWrite) override {
+    return Target_->SetFileLastWriteTime(Path, LastWrite);
+  }
+  bool GetDiskFreeSpaceExA(const std::string& Directory, std::uint64_t* FreeBytesAvailable,
+                           std::uint64_t* TotalBytes, std::uint64_t* TotalFreeBytes) override {
+    return Target_->GetDiskFreeSpaceExA(Directory, FreeBytesAvailable, TotalBytes, TotalFreeBytes);
+  }
   bool WriteFileAtomically(const std::string& Path, const std::string& Contents) override {
     return Target_->WriteFileAtomically(Path, Contents);
   }
   bool WriteFileAtomically(const std::string& Path, const std::string& Head, THandle Tail) override {
     return Target_->WriteFileAtomically(Path, Head, Tail);
+  }
+  THandle CreateReplacement(const std::string& Path, std::string& TempPath) override {
+    return Target_->CreateReplacement(Path, TempPath);
+  }
+  bool CommitReplacement(THandle Handle, const std::string& TempPath, const std::string& Path) override {
+    return Target_->CommitReplacement(Handle, TempPath, Path);
+  }
+  void AbandonReplacement(THandle Handle, const std::string& TempPath) override {
+    Target_->AbandonReplacement(Handle, TempPath);
   }
   DWORD RegOpenKeyExA(HKEY Key, const std::string& SubKey, DWORD Access, HKEY& Result) override {
     return Target_->RegOpenKeyExA(Key, SubKey, Access, Result);

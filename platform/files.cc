@@ -3,6 +3,7 @@
 #include "platform/files.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "platform/dates.h"
 #include "platform/env.h"
@@ -20,6 +21,22 @@ void FindClose(TSearchRec& F) { Env::Default()->FindClose(F); }
 DWORD GetFileAttributesA(const std::string& Path) { return Env::Default()->GetFileAttributesA(Path); }
 bool SetFileAttributesA(const std::string& Path, DWORD Attributes) {
   return Env::Default()->SetFileAttributesA(Path, Attributes);
+}
+
+bool GetFileAttributesExA(const std::string& Path, WIN32_FILE_ATTRIBUTE_DATA& Data) {
+  FileInfo Info;
+  if (DWORD Error = Env::Default()->QueryFileInfo(Path, Info)) {
+    SetLastError(Error);
+    return false;
+  }
+  Data.dwFileAttributes = Info.Attributes;
+  Data.ftLastWriteTime = UnixToFileTime(Info.LastWriteSeconds, Info.LastWriteNanoseconds);
+  Data.nFileSize = Info.Size;
+  return true;
+}
+
+bool SetFileLastWriteTime(const std::string& Path, TFileTime LastWrite) {
+  return Env::Default()->SetFileLastWriteTime(Path, LastWrite);
 }
 
 bool DeleteFile(const std::string& Path) { return Env::Default()->DeleteFile(Path); }
@@ -60,6 +77,10 @@ bool MoveFileA(const std::string& Existing, const std::string& New) {
   return Env::Default()->MoveFileWithProgressA(Existing, New, nullptr, nullptr, MOVEFILE_COPY_ALLOWED);
 }
 
+bool MoveFileExA(const std::string& Existing, const std::string& New, DWORD Flags) {
+  return Env::Default()->MoveFileWithProgressA(Existing, New, nullptr, nullptr, Flags);
+}
+
 // Delphi's rule: create the parent levels first, then this one.
 bool ForceDirectories(const std::string& Path) {
   std::string Dir = ExcludeTrailingPathDelimiter(NormalizeDelimiters(Path));
@@ -81,6 +102,11 @@ bool FileExists(const std::string& Path) {
 bool DirectoryExists(const std::string& Path) {
   FileInfo Info;
   return Env::Default()->QueryFileInfo(Path, Info) == 0 && (Info.Attributes & FILE_ATTRIBUTE_DIRECTORY);
+}
+
+bool GetDiskFreeSpaceExA(const std::string& Directory, std::uint64_t* FreeBytesAvailable,
+                         std::uint64_t* TotalBytes, std::uint64_t* TotalFreeBytes) {
+  return Env::Default()->GetDiskFreeSpaceExA(Directory, FreeBytesAvailable, TotalBytes, TotalFreeBytes);
 }
 
 THandle FileOpen(const std::string& Path, int Mode) { return Env::Default()->FileOpen(Path, Mode); }
@@ -133,6 +159,51 @@ bool WriteFileAtomically(const std::string& Path, const std::string& Contents) {
 
 bool WriteFileAtomically(const std::string& Path, const std::string& Head, THandle Tail) {
   return Env::Default()->WriteFileAtomically(Path, Head, Tail);
+}
+
+bool TFileReplacement::Begin(const std::string& Path) {
+  Abandon();
+  Handle_ = Env::Default()->CreateReplacement(Path, Temp_);
+  if (Handle_ == INVALID_HANDLE_VALUE) return false;
+  Path_ = Path;
+  return true;
+}
+
+bool TFileReplacement::Write(const void* Data, std::size_t Count) {
+  const char* P = static_cast<const char*>(Data);
+  while (Count > 0) {
+    const int Piece = static_cast<int>(std::min<std::size_t>(Count, 1u << 30));
+    if (FileWrite(Handle_, P, Piece) != Piece) return false;
+    P += Piece, Count -= static_cast<std::size_t>(Piece);
+  }
+  return true;
+}
+
+bool TFileReplacement::Append(THandle From) {
+  std::int64_t Copied = 0;
+  do {
+    if (DWORD Error = Env::Default()->CopyChunk(From, Handle_, std::int64_t{16} << 20, Copied)) {
+      SetLastError(Error);
+      return false;
+    }
+  } while (Copied > 0);
+  return true;
+}
+
+bool TFileReplacement::Commit() {
+  if (Handle_ == INVALID_HANDLE_VALUE) {
+    SetLastError(ERROR_INVALID_HANDLE);
+    return false;
+  }
+  const THandle H = std::exchange(Handle_, INVALID_HANDLE_VALUE);
+  return Env::Default()->CommitReplacement(H, Temp_, Path_);
+}
+
+void TFileReplacement::Abandon() {
+  if (Handle_ == INVALID_HANDLE_VALUE) return;
+  const DWORD Error = GetLastError();  // the failure that made the caller give up
+  Env::Default()->AbandonReplacement(std::exchange(Handle_, INVALID_HANDLE_VALUE), Temp_);
+  SetLastError(Error);
 }
 
 bool ReadWholeFile(const std::string& Path, std::string& Contents) {

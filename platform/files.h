@@ -20,9 +20,10 @@ class FindState;  // opaque per-search state owned by the search record
 struct TSearchRec {
   int Time = 0;  // last-write time, DOS packed local time (dates.h)
   std::int64_t Size = 0;
-  int Attr = 0;         // fa* bits of the entry
-  std::string Name;     // name only, no directory
-  int ExcludeAttr = 0;  // fa* bits that exclude an entry (the mask rule)
+  int Attr = 0;                 // fa* bits of the entry; faSymLink for a symbolic link
+  TFileTime LastWriteTime = 0;  // the same time to 100 ns, UTC (FindData's ftLastWriteTime)
+  std::string Name;             // name only, no directory
+  int ExcludeAttr = 0;          // fa* bits that exclude an entry (the mask rule)
   std::shared_ptr<FindState> State;
 };
 
@@ -46,8 +47,24 @@ void FindClose(TSearchRec& F);
 // match nothing before a "." or at the end, "*." only names without a dot).
 bool MatchesWildcard(const std::string& Name, const std::string& Pattern);
 
-DWORD GetFileAttributesA(const std::string& Path);  // INVALID_FILE_ATTRIBUTES on failure
+// Attributes of Path (links followed, FILE_ATTRIBUTE_REPARSE_POINT added for
+// a link); INVALID_FILE_ATTRIBUTES on failure. The setter ignores the
+// reparse-point bit.
+DWORD GetFileAttributesA(const std::string& Path);
 bool SetFileAttributesA(const std::string& Path, DWORD Attributes);
+
+// Win32's GetFileAttributesEx(GetFileExInfoStandard), less the times zt
+// does not keep.
+struct WIN32_FILE_ATTRIBUTE_DATA {
+  DWORD dwFileAttributes = 0;
+  TFileTime ftLastWriteTime = 0;
+  std::int64_t nFileSize = 0;  // 0 for a directory
+};
+bool GetFileAttributesExA(const std::string& Path, WIN32_FILE_ATTRIBUTE_DATA& Data);
+// Sets a file's or directory's last-write time (links followed). Like
+// Windows' SetFileTime, it needs no write access to the data: a read-only
+// file may be given a time.
+bool SetFileLastWriteTime(const std::string& Path, TFileTime LastWrite);
 
 // Deletes a file. Read-only file or a directory: ERROR_ACCESS_DENIED (5),
 // also when the process runs as root.
@@ -75,7 +92,10 @@ class TPendingDelete {
   std::string Path_, Aside_;  // Aside_ empty: nothing pending
 };
 
-bool RemoveDirectory(const std::string& Path);  // empty directories only (145)
+// Removes an empty directory, or a symbolic link to a directory without
+// following it, as Windows removes a directory link. Not empty: 145; a file
+// or a link to one: 267; read-only: 5.
+bool RemoveDirectory(const std::string& Path);
 
 // Copy progress routine, as Win32's LPPROGRESS_ROUTINE less the two handles.
 // Called at the start (0 bytes), after every chunk and at the end.
@@ -104,11 +124,26 @@ bool MoveFileWithProgressA(const std::string& Existing, const std::string& New, 
 // Win32's MoveFile: MoveFileWithProgressA with MOVEFILE_COPY_ALLOWED, so a
 // file may cross file systems; a directory may not (ERROR_NOT_SAME_DEVICE).
 bool MoveFileA(const std::string& Existing, const std::string& New);
+// Win32's MoveFileEx: MoveFileWithProgressA without progress. Flags:
+// MOVEFILE_REPLACE_EXISTING (files only; a directory target refuses with
+// ERROR_ACCESS_DENIED), MOVEFILE_COPY_ALLOWED (files cross file systems by
+// copy and delete), MOVEFILE_WRITE_THROUGH. A directory is only ever renamed:
+// across file systems ERROR_NOT_SAME_DEVICE (17). A rename that changes only
+// the letter case of the name succeeds also where the file system ignores
+// case.
+bool MoveFileExA(const std::string& Existing, const std::string& New, DWORD Flags);
 
 bool CreateDirectory(const std::string& Path);   // parent must exist (3); existing: 183
 bool ForceDirectories(const std::string& Path);  // creates every missing level
 bool FileExists(const std::string& Path);        // a file, not a directory
 bool DirectoryExists(const std::string& Path);
+
+// Win32's GetDiskFreeSpaceEx for the volume that holds Directory (any path
+// on it): bytes available to this user, the volume's size and its free
+// bytes. Each pointer may be null. On POSIX, statvfs: f_bavail, f_blocks and
+// f_bfree times f_frsize.
+bool GetDiskFreeSpaceExA(const std::string& Directory, std::uint64_t* FreeBytesAvailable,
+                         std::uint64_t* TotalBytes, std::uint64_t* TotalFreeBytes);
 
 // Delphi file handles. FileOpen modes are fmOpen* | fmShare* (win_types.h);
 // fmShareDenyWrite fails with ERROR_SHARING_VIOLATION while another process
@@ -148,6 +183,37 @@ bool WriteFileAtomically(const std::string& Path, const std::string& Contents);
 // file to file, so memory use does not grow with its size (except where the
 // file must be rewritten in place: it is read first there).
 bool WriteFileAtomically(const std::string& Path, const std::string& Head, THandle Tail);
+// A new version of a file written piece by piece and put in place at once.
+// Begin refuses what WriteFileAtomically refuses (5 for a read-only file or
+// one that is no regular file) and opens a new hidden file beside the file
+// Path leads to; Write and Append fill it; Commit flushes it and renames it
+// over the file, so readers see the old file or the new one. The end of the
+// object without Commit removes it (as does an abrupt end of the program,
+// stop.h): a failure never leaves half a file or changes the old one. The
+// new file takes the old one's permissions, and its owner and extended
+// attributes where it can; other hard links to the old file keep the old
+// contents (a copy over a file does the same).
+// Thread use: one object per replacement; any thread.
+class TFileReplacement {
+ public:
+  TFileReplacement() = default;
+  ~TFileReplacement() { Abandon(); }
+  TFileReplacement(const TFileReplacement&) = delete;
+  TFileReplacement& operator=(const TFileReplacement&) = delete;
+
+  bool Begin(const std::string& Path);  // false with the last error set
+  bool Write(const void* Data, std::size_t Count);
+  // Copies From, from its current position to its end, in 16 MiB steps of
+  // the Env's CopyChunk; a stop of the program ends it with 995.
+  bool Append(THandle From);
+  bool Commit();
+  void Abandon();
+
+ private:
+  std::string Path_, Temp_;
+  THandle Handle_ = INVALID_HANDLE_VALUE;
+};
+
 // Reads a whole file into Contents; false with the last error set on failure.
 bool ReadWholeFile(const std::string& Path, std::string& Contents);
 // The same from the start of an open file.

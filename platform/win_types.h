@@ -16,6 +16,8 @@ constexpr DWORD FILE_ATTRIBUTE_SYSTEM = 0x04;
 constexpr DWORD FILE_ATTRIBUTE_DIRECTORY = 0x10;
 constexpr DWORD FILE_ATTRIBUTE_ARCHIVE = 0x20;
 constexpr DWORD FILE_ATTRIBUTE_NORMAL = 0x80;
+// A symbolic link (Windows: any reparse point). Reported, never stored or set.
+constexpr DWORD FILE_ATTRIBUTE_REPARSE_POINT = 0x400;
 constexpr DWORD INVALID_FILE_ATTRIBUTES = 0xFFFFFFFF;
 
 constexpr int faReadOnly = 0x01;
@@ -26,6 +28,11 @@ constexpr int faDirectory = 0x10;
 constexpr int faArchive = 0x20;
 constexpr int faNormal = 0x80;
 constexpr int faAnyFile = 0x3F;
+constexpr int faSymLink = 0x400;  // reported only; masks ignore it
+
+// Win32's FILETIME as one number: 100-nanosecond intervals since
+// 1601-01-01 UTC.
+using TFileTime = std::int64_t;
 
 // CopyFileEx flags, progress results and callback reasons.
 constexpr DWORD COPY_FILE_FAIL_IF_EXISTS = 0x01;

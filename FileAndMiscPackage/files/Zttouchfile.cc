@@ -1,7 +1,6 @@
 #include "files/Zttouchfile.h"
 
 #include <cmath>
-#include <cstdio>
 #include <stdexcept>
 
 #include "frame/ZTUtils.h"
@@ -183,17 +182,7 @@ void TCustomTouchFilesAction::SetDateTimeAsString(const std::string& Value) {
   FDateTime = D;
 }
 
-std::string FormatDateTimeC(pf::TDateTime D) {
-  int Y, Mo, Dd, H, Mi, S, Ms;
-  pf::DecodeDate(D, Y, Mo, Dd);
-  pf::DecodeTime(D, H, Mi, S, Ms);
-  char Buffer[40];
-  if (H == 0 && Mi == 0 && S == 0 && Ms == 0)
-    std::snprintf(Buffer, sizeof Buffer, "%02d/%02d/%04d", Mo, Dd, Y);
-  else
-    std::snprintf(Buffer, sizeof Buffer, "%02d/%02d/%04d %02d:%02d:%02d", Mo, Dd, Y, H, Mi, S);
-  return Buffer;
-}
+std::string FormatDateTimeC(pf::TDateTime D) { return pf::FormatDateTime("c", D); }
 
 namespace {
 

@@ -18,6 +18,7 @@
 namespace zt::frame {
 
 // Version of this contract; the host refuses a package built for another.
+// 2: GetNextActionSource, action status, IZTFileSet::GetBaseDir.
 constexpr int ZT_HOST_API_VERSION = 2;
 
 // GetNextActionSource: State nsExecuted is the moment after the action's

@@ -25,6 +25,9 @@ class IZTFileSet {
   virtual std::string GetFilesText(const std::string& Separator) = 0;
   virtual int GetFileCount() = 0;
   virtual std::string GetFile(int Index) = 0;  // 0-based
+  // The directory the set's patterns are relative to, as an absolute path
+  // without a trailing delimiter: every file of the set lies below it.
+  virtual std::string GetBaseDir() = 0;
 };
 
 // One named object of the project (a file set, ...).

@@ -1,7 +1,6 @@
 #include "system/Ztxcopyaction.h"
 
 #include <cmath>
-#include <cstdio>
 #include <stdexcept>
 
 #include "platform/errors.h"
@@ -46,13 +45,7 @@ void TZTXCopyAction::Publish(frame::TZTPublisher<TZTXCopyAction>& P) {
 
 TZTXCopyAction::TZTXCopyAction() : FChangedAfterDate(std::floor(pf::Now())) {}
 
-std::string FormatXCopyDate(pf::TDateTime D) {
-  int Y, M, Day;
-  pf::DecodeDate(D, Y, M, Day);
-  char Buf[32];
-  std::snprintf(Buf, sizeof Buf, "%d-%d-%04d", M, Day, Y);
-  return Buf;
-}
+std::string FormatXCopyDate(pf::TDateTime D) { return pf::FormatDateTime("m-d-yyyy", D); }
 
 bool TZTXCopyAction::Execute() {
   struct Cleanup {

@@ -60,6 +60,10 @@ int RunCommand(const CommandOptions& O, std::ostream& Err) {
 
   VariableList Overrides;
   if (!ParseVars(O.Vars, Overrides, Err)) return kExitCannotLoad;
+  if (const char* Epoch = std::getenv("SOURCE_DATE_EPOCH"); Epoch && !BuildStartText(0, Epoch)) {
+    Err << "zt: SOURCE_DATE_EPOCH must be a whole number of seconds since 1970, got \"" << Epoch << "\"\n";
+    return kExitCannotLoad;
+  }
   Project P;
   if (!LoadProjectFile(O, P, Err, Annotate)) return kExitCannotLoad;
   // A type that is not built yet can never succeed: refuse before earlier actions change files.

@@ -43,6 +43,7 @@ class FileSet : public frame::IZTProjectObject, public frame::IZTFileSet {
   std::string GetFilesText(const std::string& Separator) override;
   int GetFileCount() override { return static_cast<int>(Files().size()); }
   std::string GetFile(int Index) override;  // "" outside 0..count-1
+  std::string GetBaseDir() override { return BaseDir_; }
 
   const std::vector<std::string>& Files();  // evaluates on first use
   const std::string& BaseDirectory() const { return BaseDir_; }

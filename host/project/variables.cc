@@ -9,6 +9,7 @@
 #include <filesystem>
 
 #include "host/version.h"
+#include "platform/dates.h"
 
 namespace zt::host {
 
@@ -29,6 +30,15 @@ Variables::Variables(const std::string& ProjectFile) {
     Predefined_.emplace_back("ZT_PROJECT_FILE", ProjectFile);
   }
   Predefined_.emplace_back("ZT_VERSION", kZtVersion);
+}
+
+void Variables::SetPredefined(const std::string& Name, const TZTVariant& Value) {
+  for (auto& [N, V] : Predefined_)
+    if (N == Name) {
+      V = Value;
+      return;
+    }
+  Predefined_.emplace_back(Name, Value);
 }
 
 void Variables::Set(const std::string& Name, const TZTVariant& Value) {
@@ -70,6 +80,20 @@ bool IsVariableNameChar(char C) {
 
 bool IsVariableName(const std::string& Name) {
   return !Name.empty() && std::all_of(Name.begin(), Name.end(), IsVariableNameChar);
+}
+
+std::optional<std::string> BuildStartText(platform::TFileTime Now, const char* SourceDateEpoch) {
+  if (SourceDateEpoch) {
+    const std::string Text = SourceDateEpoch;
+    std::int64_t Seconds;
+    auto [End, Ec] = std::from_chars(Text.data(), Text.data() + Text.size(), Seconds);
+    // Years 1 to 9999 are what a date can show.
+    if (Text.empty() || Ec != std::errc() || End != Text.data() + Text.size() || Seconds < -62135596800 ||
+        Seconds > 253402300799)
+      return std::nullopt;
+    Now = platform::UnixToFileTime(Seconds);
+  }
+  return platform::FormatDateTime("yyyy-mm-dd'T'hh:nn:ss'Z'", platform::FileTimeToDateTime(Now));
 }
 
 }  // namespace zt::host

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "frame/ZTVariant.h"
+#include "platform/win_types.h"
 
 namespace zt::host {
 
@@ -17,9 +18,13 @@ using frame::TZTVariant;
 
 class Variables {
  public:
-  // Predefined variables: DOSCMD, ZT_PROJECT_DIR, ZT_PROJECT_FILE, ZT_VERSION.
+  // Predefined variables: DOSCMD, ZT_PROJECT_DIR, ZT_PROJECT_FILE, ZT_VERSION
+  // (and ZT_BUILD_START, which the run sets when the build starts).
   // ProjectFile is the project's absolute path ("" when there is none).
   explicit Variables(const std::string& ProjectFile = "");
+
+  // Defines or replaces a predefined variable.
+  void SetPredefined(const std::string& Name, const TZTVariant& Value);
 
   // Defines or replaces a project variable; an existing one keeps the
   // spelling of its first definition.
@@ -51,5 +56,12 @@ bool IsVariableNameChar(char C);
 bool IsVariableName(const std::string& Name);
 
 std::string LowerCase(std::string S);
+
+// ZT_BUILD_START for a build that starts at Now: ISO 8601 UTC
+// ("2024-03-05T10:15:00Z"), or the time SOURCE_DATE_EPOCH gives when it is
+// set (whole seconds since 1970 UTC, the reproducible-builds convention), so
+// every run of a build stamps the same date. nullopt when SourceDateEpoch is
+// set but is no such number (a leading "+" or a fraction included).
+std::optional<std::string> BuildStartText(platform::TFileTime Now, const char* SourceDateEpoch);
 
 }  // namespace zt::host

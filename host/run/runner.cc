@@ -2,9 +2,11 @@
 
 #include <cctype>
 #include <chrono>
+#include <cstdlib>
 #include <filesystem>
 
 #include "host/run/child_actions.h"
+#include "platform/dates.h"
 #include "platform/stop.h"
 
 namespace zt::host {
@@ -47,6 +49,10 @@ Runner::Runner(Project& P, BuildLog& Log, const VariableList& Overrides)
 
 BuildResult Runner::Run() {
   Start_ = std::chrono::steady_clock::now();
+  // `zt run` refuses a SOURCE_DATE_EPOCH that is no number before it gets here.
+  const platform::TFileTime Now = platform::GetSystemTimeAsFileTime();
+  const std::optional<std::string> Start = BuildStartText(Now, std::getenv("SOURCE_DATE_EPOCH"));
+  Vars_.SetPredefined("ZT_BUILD_START", Start ? *Start : *BuildStartText(Now, nullptr));
   platform::ResumeLongOperations();
   Log_.BuildStart(Project_.Name, Project_.FileName);
   ForEachAction(Project_.Actions, [](ActionNode& N, int) { N.Action->ResetBuildStatus(); });

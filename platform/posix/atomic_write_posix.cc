@@ -149,4 +149,49 @@ bool PosixEnv::WriteFileAtomically(const std::string& Path, const std::string& H
   return true;
 }
 
+// A replacement written piece by piece (TFileReplacement). Unlike
+// WriteFileAtomically it never rewrites in place: its pieces may be read
+// from the very file it replaces.
+THandle PosixEnv::CreateReplacement(const std::string& Path, std::string& TempPath) {
+  const std::string File = FinalTarget(Path);
+  struct stat Old;
+  const bool Exists = stat(File.c_str(), &Old) == 0;
+  if (Exists && (CheckWritable(Old) != ERROR_SUCCESS || !S_ISREG(Old.st_mode))) {
+    SetLastError(ERROR_ACCESS_DENIED);
+    return INVALID_HANDLE_VALUE;
+  }
+  DWORD Error = ERROR_SUCCESS;
+  int Fd = CreateTempBeside(File, TempPath, Error);
+  if (Fd < 0) {
+    SetLastError(Error);
+    return INVALID_HANDLE_VALUE;
+  }
+  // What cannot be taken over (another user's file) leaves the new file ours.
+  if (Exists && !TakeOver(Fd, File, Old)) fchmod(Fd, Old.st_mode & 07777);
+  return Fd;
+}
+
+bool PosixEnv::CommitReplacement(THandle Handle, const std::string& TempPath, const std::string& Path) {
+  const int Fd = static_cast<int>(Handle);
+  DWORD Error = fsync(Fd) == 0 ? ERROR_SUCCESS : ErrnoToWindowsError(errno);
+  if (close(Fd) != 0 && Error == ERROR_SUCCESS) Error = ErrnoToWindowsError(errno);
+  const std::string File = FinalTarget(Path);
+  struct stat Old;
+  // The file may have become read-only since Begin: Windows' replace refuses it.
+  if (Error == ERROR_SUCCESS && stat(File.c_str(), &Old) == 0 && CheckWritable(Old) != ERROR_SUCCESS)
+    Error = ERROR_ACCESS_DENIED;
+  if (Error == ERROR_SUCCESS) {
+    if (int RenameError = RenamePendingFile(TempPath, File, /*NoReplace=*/false))
+      Error = PathError(RenameError, File);
+  }
+  if (Error == ERROR_SUCCESS) return true;
+  RemovePendingFile(TempPath);
+  return Fail(Error);
+}
+
+void PosixEnv::AbandonReplacement(THandle Handle, const std::string& TempPath) {
+  close(static_cast<int>(Handle));
+  RemovePendingFile(TempPath);
+}
+
 }  // namespace zt::platform::posix

@@ -109,6 +109,10 @@ DWORD CombineAttributes(const struct stat& St, DWORD Stored, bool DotHidden) {
   return A ? A : FILE_ATTRIBUTE_NORMAL;
 }
 
+DWORD WithLinkBit(DWORD Attributes) {
+  return (Attributes & ~FILE_ATTRIBUTE_NORMAL) | FILE_ATTRIBUTE_REPARSE_POINT;
+}
+
 DWORD AttributesOf(const std::string& Path, const struct stat& St) {
   return CombineAttributes(St, ReadStoredBits(Path), IsDotHidden(Path));
 }
@@ -128,14 +132,16 @@ DWORD PosixEnv::QueryFileInfo(const std::string& Path, FileInfo& Info) {
   const struct timespec Before = ClockBeforeStat();
   struct stat St;
   if (lstat(Path.c_str(), &St) != 0) return PathError(errno, Path);
-  if (S_ISLNK(St.st_mode)) {
+  const bool Link = S_ISLNK(St.st_mode);
+  if (Link) {
     struct stat Target;
     if (stat(Path.c_str(), &Target) == 0)
       St = Target;
     else if (errno != ENOENT)
       return PathError(errno, Path);
   }
-  FillInfo(St, CombineAttributes(St, StoredBitsOf(Path, St, Before), IsDotHidden(Path)), Info);
+  const DWORD Attributes = CombineAttributes(St, StoredBitsOf(Path, St, Before), IsDotHidden(Path));
+  FillInfo(St, Link ? WithLinkBit(Attributes) : Attributes, Info);
   return ERROR_SUCCESS;
 }
 

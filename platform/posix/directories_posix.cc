@@ -1,4 +1,5 @@
-// CreateDirectory and RemoveDirectory on POSIX.
+// CreateDirectory and RemoveDirectory on POSIX; RemoveDirectory takes a
+// link to a directory away as a link.
 #include <errno.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -20,6 +21,14 @@ bool PosixEnv::CreateDirectory(const std::string& Path) {
 bool PosixEnv::RemoveDirectory(const std::string& Path) {
   struct stat St;
   if (lstat(Path.c_str(), &St) != 0) return Fail(PathError(errno, Path));
+  if (S_ISLNK(St.st_mode)) {
+    // A link to a directory goes as a link (Windows removes a directory
+    // link so); what it leads to is never touched.
+    struct stat Target;
+    if (stat(Path.c_str(), &Target) != 0 || !S_ISDIR(Target.st_mode)) return Fail(ERROR_DIRECTORY);
+    if (unlink(Path.c_str()) != 0) return Fail(PathError(errno, Path));
+    return true;
+  }
   if (!S_ISDIR(St.st_mode)) return Fail(ERROR_DIRECTORY);
   if (IsReadOnlyMode(St.st_mode)) return Fail(ERROR_ACCESS_DENIED);
   if (rmdir(Path.c_str()) == 0) return true;

@@ -156,4 +156,16 @@ int PosixEnv::FileSetDate(THandle Handle, int Age) {
   return 0;
 }
 
+// Times only, no data: like SetFileTime it needs no write access, so a
+// read-only file may be given a time (utimensat asks for ownership instead).
+bool PosixEnv::SetFileLastWriteTime(const std::string& Path, TFileTime LastWrite) {
+  const std::int64_t Units = LastWrite - UnixToFileTime(0, 0);
+  // Floor division, so times before 1970 keep a positive fraction.
+  std::int64_t Seconds = Units / 10000000, Rest = Units % 10000000;
+  if (Rest < 0) --Seconds, Rest += 10000000;
+  struct timespec Times[2] = {{0, UTIME_OMIT}, {static_cast<time_t>(Seconds), static_cast<long>(Rest * 100)}};
+  if (utimensat(AT_FDCWD, Path.c_str(), Times, 0) != 0) return Fail(PathError(errno, Path));
+  return true;
+}
+
 }  // namespace zt::platform::posix

@@ -35,7 +35,7 @@ class PosixFindState final : public FindState {
     if (!Dir_) return false;
     while (struct dirent* E = readdir(Dir_)) {
       if (!MatchesWildcard(E->d_name, Pattern_)) continue;
-      if (!Describe(E->d_name, Info)) continue;
+      if (!Describe(E->d_name, E->d_type, Info)) continue;
       if (static_cast<int>(Info.Attributes) & ExcludeAttr) continue;
       Name = E->d_name;
       return true;
@@ -44,18 +44,25 @@ class PosixFindState final : public FindState {
   }
 
  private:
-  // Fills Info for the entry Name; false when it is gone. The platform's own
-  // Env looks the entry up relative to the open directory (no walk of the
-  // whole path); a replacement Env gets the QueryFileInfo primitive call.
-  bool Describe(const char* Name, FileInfo& Info) {
+  // Fills Info for the entry Name of directory-entry type Type; false when
+  // it is gone. The platform's own Env looks the entry up relative to the
+  // open directory (no walk of the whole path); a replacement Env gets the
+  // QueryFileInfo primitive call.
+  bool Describe(const char* Name, unsigned char Type, FileInfo& Info) {
     if (!PlatformEnvInstalled()) return Env::Default()->QueryFileInfo(Prefix_ + Name, Info) == ERROR_SUCCESS;
     const struct timespec Before = ClockBeforeStat();
     struct stat St;
+    bool Link = Type == DT_LNK;
+    if (Type == DT_UNKNOWN) {  // some file systems do not say: ask
+      if (fstatat(dirfd(Dir_), Name, &St, AT_SYMLINK_NOFOLLOW) != 0) return false;
+      Link = S_ISLNK(St.st_mode);
+    }
     if (fstatat(dirfd(Dir_), Name, &St, 0) != 0) {
       // A dangling symbolic link is still an entry: describe the link itself.
       if (errno != ENOENT || fstatat(dirfd(Dir_), Name, &St, AT_SYMLINK_NOFOLLOW) != 0) return false;
     }
-    FillInfo(St, CombineAttributes(St, StoredBitsOf(Prefix_ + Name, St, Before), IsDotHiddenName(Name)), Info);
+    DWORD Attributes = CombineAttributes(St, StoredBitsOf(Prefix_ + Name, St, Before), IsDotHiddenName(Name));
+    FillInfo(St, Link ? WithLinkBit(Attributes) : Attributes, Info);
     return true;
   }
 
@@ -69,6 +76,7 @@ void Fill(TSearchRec& F, std::string Name, const FileInfo& Info) {
   F.Attr = static_cast<int>(Info.Attributes);
   F.Size = Info.Size;
   F.Time = DateTimeToFileDate(UnixToDateTime(static_cast<std::time_t>(Info.LastWriteSeconds)));
+  F.LastWriteTime = UnixToFileTime(Info.LastWriteSeconds, Info.LastWriteNanoseconds);
 }
 
 // True when Dir (a directory part, delimiter included) passes through one

@@ -5,6 +5,7 @@
 #include <errno.h>
 #include <fcntl.h>
 #include <stdio.h>
+#include <strings.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -29,15 +30,23 @@ bool PosixEnv::MoveFileWithProgressA(const std::string& Existing, const std::str
   struct stat Source, Target;
   if (lstat(Existing.c_str(), &Source) != 0) return Fail(PathError(errno, Existing));
   const bool Replace = (Flags & MOVEFILE_REPLACE_EXISTING) != 0;
+  bool CaseOnly = false;
   if (lstat(New.c_str(), &Target) == 0) {
     if (Existing == New) return true;  // moving a file onto itself changes nothing
-    if (!Replace) return Fail(ERROR_ALREADY_EXISTS);
-    // A link is replaced itself, whatever it leads to.
-    if (!S_ISLNK(Target.st_mode) && CheckWritable(Target) != ERROR_SUCCESS) return Fail(ERROR_ACCESS_DENIED);
+    // A file system that ignores letter case finds the file itself under
+    // its new spelling: that is a rename, not an existing target.
+    CaseOnly = Target.st_dev == Source.st_dev && Target.st_ino == Source.st_ino &&
+               strcasecmp(Existing.c_str(), New.c_str()) == 0;
+    if (!CaseOnly) {
+      if (!Replace) return Fail(ERROR_ALREADY_EXISTS);
+      // A link is replaced itself, whatever it leads to; a directory never replaces anything.
+      if ((!S_ISLNK(Target.st_mode) && CheckWritable(Target) != ERROR_SUCCESS) || S_ISDIR(Source.st_mode))
+        return Fail(ERROR_ACCESS_DENIED);
+    }
   }
 
-  int Error =
-      Replace ? (rename(Existing.c_str(), New.c_str()) == 0 ? 0 : errno) : RenameNoReplace(Existing, New);
+  int Error = Replace || CaseOnly ? (rename(Existing.c_str(), New.c_str()) == 0 ? 0 : errno)
+                                  : RenameNoReplace(Existing, New);
   if (Error == 0) return true;
   if (Error == EEXIST) return Fail(ERROR_ALREADY_EXISTS);
   if (Error != EXDEV) return Fail(PathError(Error, Error == ENOENT ? New : Existing));

@@ -43,9 +43,16 @@ class PosixEnv final : public Env {
 
   int FileGetDate(THandle Handle) override;
   int FileSetDate(THandle Handle, int Age) override;
+  bool SetFileLastWriteTime(const std::string& Path, TFileTime LastWrite) override;
+
+  bool GetDiskFreeSpaceExA(const std::string& Directory, std::uint64_t* FreeBytesAvailable,
+                           std::uint64_t* TotalBytes, std::uint64_t* TotalFreeBytes) override;
 
   bool WriteFileAtomically(const std::string& Path, const std::string& Contents) override;
   bool WriteFileAtomically(const std::string& Path, const std::string& Head, THandle Tail) override;
+  THandle CreateReplacement(const std::string& Path, std::string& TempPath) override;
+  bool CommitReplacement(THandle Handle, const std::string& TempPath, const std::string& Path) override;
+  void AbandonReplacement(THandle Handle, const std::string& TempPath) override;
 
   DWORD RegOpenKeyExA(HKEY Key, const std::string& SubKey, DWORD Access, HKEY& Result) override;
   DWORD RegCreateKeyExA(HKEY Key, const std::string& SubKey, DWORD Access, HKEY& Result,
@@ -97,6 +104,10 @@ DWORD StoredBitsOf(int Fd, const struct stat& St, const struct timespec& Before)
 // IsDotHidden takes a path, IsDotHiddenName a bare name.
 bool IsDotHidden(const std::string& Path);
 bool IsDotHiddenName(const char* Name);
+
+// Attributes of a symbolic link: those of what it leads to, plus the
+// reparse-point bit (and never "normal", which stands alone).
+DWORD WithLinkBit(DWORD Attributes);
 
 // Fills Info from stat data and the file's attributes.
 void FillInfo(const struct stat& St, DWORD Attributes, FileInfo& Info);

@@ -62,6 +62,7 @@ class FakeFileSet : public frame::IZTProjectObject, public frame::IZTFileSet {
   }
   int GetFileCount() override { return static_cast<int>(Files_.size()); }
   std::string GetFile(int Index) override { return Files_.at(static_cast<std::size_t>(Index)); }
+  std::string GetBaseDir() override { return "/"; }
 
  private:
   std::string Name_;

@@ -1,8 +1,9 @@
 #include "host/project/variables.h"
 
+#include <gtest/gtest.h>
 #include <stdlib.h>
 
-#include <gtest/gtest.h>
+#include "platform/dates.h"
 
 namespace zt::host {
 namespace {
@@ -45,6 +46,21 @@ TEST(VariablesTest, CaseInsensitiveNamesKeepTheirFirstSpellingAndOrder) {
   EXPECT_EQ(V.Project()[0].first, "Out");
   EXPECT_EQ(V.Project()[0].second.AsString(), "b");
   EXPECT_EQ(V.Project()[1].first, "Count");
+}
+
+}  // namespace
+}  // namespace zt::host
+
+namespace zt::host {
+namespace {
+
+TEST(VariablesTest, BuildStartIsUtcOrTheReproducibleBuildsEpoch) {
+  const platform::TFileTime Now = platform::UnixToFileTime(1709633730);  // 2024-03-05 10:15:30 UTC
+  EXPECT_EQ(BuildStartText(Now, nullptr), "2024-03-05T10:15:30Z");
+  EXPECT_EQ(BuildStartText(Now, "0"), "1970-01-01T00:00:00Z");
+  EXPECT_EQ(BuildStartText(Now, "1700000000"), "2023-11-14T22:13:20Z");
+  for (const char* Bad : {"", "abc", "1.5", "+5", "12 ", "99999999999999999999", "253402300800"})
+    EXPECT_EQ(BuildStartText(Now, Bad), std::nullopt) << Bad;
 }
 
 }  // namespace

@@ -44,6 +44,7 @@ struct OneFileSet : frame::IZTFileSet, frame::IZTProjectObject {
   std::string GetFilesText(const std::string& Sep) override { return "a" + Sep; }
   int GetFileCount() override { return 1; }
   std::string GetFile(int) override { return "a"; }
+  std::string GetBaseDir() override { return "/"; }
   std::string GetName() const override { return "Sources"; }
   std::string GetKind() const override { return frame::ZT_FILESET_OBJECT_KIND; }
   frame::IZTFileSet* AsFileSet() override { return this; }

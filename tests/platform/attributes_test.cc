@@ -38,16 +38,20 @@ TEST(Attributes, MissingFileAndMissingFolderGiveTwoAndThree) {
   EXPECT_EQ(GetLastError(), ERROR_PATH_NOT_FOUND);
 }
 
-TEST(Attributes, LinksAreFollowedAndADanglingLinkDescribesItself) {
+TEST(Attributes, LinksAreFollowedAndMarkedAndADanglingLinkDescribesItself) {
   TempDir T;
   WriteText(T / "a.txt", "x");
   ASSERT_TRUE(SetFileAttributesA(T / "a.txt", FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_SYSTEM));
   ASSERT_EQ(symlink("a.txt", (T / "to-file").c_str()), 0);
   ASSERT_EQ(symlink(T.Path().c_str(), (T / "to-dir").c_str()), 0);
   ASSERT_EQ(symlink("missing", (T / "dangling").c_str()), 0);
-  EXPECT_EQ(GetFileAttributesA(T / "to-file"), FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_SYSTEM);
-  EXPECT_EQ(GetFileAttributesA(T / "to-dir"), FILE_ATTRIBUTE_DIRECTORY);
-  EXPECT_EQ(GetFileAttributesA(T / "dangling"), FILE_ATTRIBUTE_NORMAL);
+  constexpr DWORD Link = FILE_ATTRIBUTE_REPARSE_POINT;
+  EXPECT_EQ(GetFileAttributesA(T / "to-file"), FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_SYSTEM | Link);
+  EXPECT_EQ(GetFileAttributesA(T / "to-dir"), FILE_ATTRIBUTE_DIRECTORY | Link);
+  EXPECT_EQ(GetFileAttributesA(T / "dangling"), Link);
+  // The bit is reported, never set: writing attributes back changes nothing.
+  EXPECT_TRUE(SetFileAttributesA(T / "to-dir", GetFileAttributesA(T / "to-dir")));
+  EXPECT_EQ(GetFileAttributesA(T.Path()), FILE_ATTRIBUTE_DIRECTORY);
   EXPECT_EQ(GetFileAttributesA(T / "a.txt/x"), INVALID_FILE_ATTRIBUTES);
   EXPECT_EQ(GetLastError(), ERROR_PATH_NOT_FOUND);
 }

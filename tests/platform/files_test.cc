@@ -1,10 +1,14 @@
-// Deleting files, creating and removing directories, temporary files.
+// Deleting files, creating and removing directories, temporary files, file
+// times, replacing files, free space.
 #include "platform/files.h"
 
 #include <gtest/gtest.h>
 #include <stdlib.h>
 #include <sys/stat.h>
+#include <sys/statvfs.h>
+#include <unistd.h>
 
+#include "platform/dates.h"
 #include "platform/stop.h"
 #include "platform/system_paths.h"
 #include "tests/platform/file_util.h"
@@ -14,6 +18,9 @@ namespace zt::platform {
 namespace {
 
 using zt::testing::Exists;
+using zt::testing::ListNames;
+using zt::testing::ModeOf;
+using zt::testing::ReadText;
 using zt::testing::TempDir;
 using zt::testing::WriteText;
 
@@ -84,6 +91,85 @@ TEST(Directories, RemoveOnlyEmptyDirectories) {
   WriteText(T / "f", "x");
   EXPECT_FALSE(RemoveDirectory(T / "f"));
   EXPECT_EQ(GetLastError(), ERROR_DIRECTORY);
+}
+
+TEST(Directories, RemoveTakesALinkToADirectoryAwayAsALink) {
+  TempDir T;
+  mkdir((T / "d").c_str(), 0777);
+  WriteText(T / "d/a.txt", "x");
+  WriteText(T / "f", "x");
+  ASSERT_EQ(symlink("d", (T / "dlink").c_str()), 0);
+  ASSERT_EQ(symlink("f", (T / "flink").c_str()), 0);
+  EXPECT_TRUE(RemoveDirectory(T / "dlink"));
+  EXPECT_EQ(ListNames(T.Path()), (std::vector<std::string>{"d", "f", "flink"}));
+  EXPECT_EQ(ListNames(T / "d"), (std::vector<std::string>{"a.txt"}));
+  EXPECT_FALSE(RemoveDirectory(T / "flink"));
+  EXPECT_EQ(GetLastError(), ERROR_DIRECTORY);
+}
+
+TEST(Files, LastWriteTimeKeepsHundredsOfNanosecondsOnFilesDirectoriesAndReadOnlyFiles) {
+  TempDir T;
+  WriteText(T / "f", "abc");
+  mkdir((T / "d").c_str(), 0777);
+  ASSERT_TRUE(SetFileAttributesA(T / "f", FILE_ATTRIBUTE_READONLY));
+  const TFileTime When = UnixToFileTime(1709633730, 123456700);
+  for (const char* Name : {"f", "d"}) {
+    ASSERT_TRUE(SetFileLastWriteTime(T / Name, When)) << Name;
+    WIN32_FILE_ATTRIBUTE_DATA Data;
+    ASSERT_TRUE(GetFileAttributesExA(T / Name, Data));
+    EXPECT_EQ(Data.ftLastWriteTime, When) << Name;
+  }
+  WIN32_FILE_ATTRIBUTE_DATA Data;
+  ASSERT_TRUE(GetFileAttributesExA(T / "f", Data));
+  EXPECT_EQ(Data.dwFileAttributes, FILE_ATTRIBUTE_READONLY);
+  EXPECT_EQ(Data.nFileSize, 3);
+  EXPECT_FALSE(GetFileAttributesExA(T / "missing", Data));
+  EXPECT_EQ(GetLastError(), ERROR_FILE_NOT_FOUND);
+}
+
+TEST(Files, ReplacementTakesThePlaceOfTheFileOnlyWhenCommitted) {
+  TempDir T;
+  WriteText(T / "t", "old");
+  chmod((T / "t").c_str(), 0750);
+  WriteText(T / "src", "-tail");
+  {
+    TFileReplacement R;
+    ASSERT_TRUE(R.Begin(T / "t"));
+    ASSERT_TRUE(R.Write("new", 3));
+    EXPECT_EQ(ReadText(T / "t"), "old");
+  }  // abandoned
+  EXPECT_EQ(ListNames(T.Path()), (std::vector<std::string>{"src", "t"}));
+  TFileReplacement R;
+  ASSERT_TRUE(R.Begin(T / "t"));
+  ASSERT_TRUE(R.Write("new", 3));
+  THandle Src = FileOpen(T / "src", fmOpenRead);
+  ASSERT_TRUE(R.Append(Src));
+  FileClose(Src);
+  ASSERT_TRUE(R.Commit());
+  EXPECT_EQ(ReadText(T / "t"), "new-tail");
+  EXPECT_EQ(ModeOf(T / "t"), 0750u);
+  EXPECT_EQ(ListNames(T.Path()), (std::vector<std::string>{"src", "t"}));
+  // A read-only file is refused, also when it became read-only meanwhile.
+  ASSERT_TRUE(R.Begin(T / "t"));
+  ASSERT_TRUE(SetFileAttributesA(T / "t", FILE_ATTRIBUTE_READONLY));
+  EXPECT_FALSE(R.Commit());
+  EXPECT_EQ(GetLastError(), ERROR_ACCESS_DENIED);
+  EXPECT_FALSE(R.Begin(T / "t"));
+  EXPECT_EQ(GetLastError(), ERROR_ACCESS_DENIED);
+  EXPECT_EQ(ReadText(T / "t"), "new-tail");
+  EXPECT_EQ(ListNames(T.Path()), (std::vector<std::string>{"src", "t"}));
+}
+
+TEST(Volumes, FreeSpaceIsThatOfTheVolumeHoldingThePath) {
+  TempDir T;
+  struct statvfs Vfs;
+  ASSERT_EQ(statvfs(T.Path().c_str(), &Vfs), 0);
+  std::uint64_t Free = 0, Total = 0;
+  ASSERT_TRUE(GetDiskFreeSpaceExA(T.Path(), &Free, &Total, nullptr));
+  EXPECT_EQ(Total, static_cast<std::uint64_t>(Vfs.f_blocks) * Vfs.f_frsize);
+  EXPECT_LE(Free, Total);
+  EXPECT_FALSE(GetDiskFreeSpaceExA(T / "missing/deeper", &Free, nullptr, nullptr));
+  EXPECT_EQ(GetLastError(), ERROR_PATH_NOT_FOUND);
 }
 
 TEST(Files, ExistsTellsFilesFromDirectories) {

@@ -40,6 +40,23 @@ TEST(MoveFile, RenamesFilesAndDirectoriesAndChangesLetterCase) {
   EXPECT_EQ(ListNames(T.Path()), (std::vector<std::string>{"e"}));
 }
 
+TEST(MoveFile, ExReplacesFilesButNeverADirectory) {
+  TempDir T;
+  WriteText(T / "a.txt", "a");
+  WriteText(T / "b.txt", "b");
+  mkdir((T / "d").c_str(), 0777);
+  mkdir((T / "e").c_str(), 0777);
+  EXPECT_TRUE(MoveFileExA(T / "a.txt", T / "b.txt", MOVEFILE_REPLACE_EXISTING));
+  EXPECT_EQ(ReadText(T / "b.txt"), "a");
+  EXPECT_FALSE(MoveFileExA(T / "d", T / "e", 0));
+  EXPECT_EQ(GetLastError(), ERROR_ALREADY_EXISTS);
+  EXPECT_FALSE(MoveFileExA(T / "d", T / "e", MOVEFILE_REPLACE_EXISTING));
+  EXPECT_EQ(GetLastError(), ERROR_ACCESS_DENIED);
+  EXPECT_FALSE(MoveFileExA(T / "b.txt", T / "e", MOVEFILE_REPLACE_EXISTING));
+  EXPECT_EQ(GetLastError(), ERROR_ACCESS_DENIED);
+  EXPECT_EQ(ListNames(T.Path()), (std::vector<std::string>{"b.txt", "d", "e"}));
+}
+
 TEST(MoveFile, ReadOnlyTargetIsNotReplaced) {
   TempDir T;
   WriteText(T / "a.txt", "a");
