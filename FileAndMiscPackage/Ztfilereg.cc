@@ -17,6 +17,8 @@
 #include "iterators/Ztreadtextfileiteratoraction.h"
 #include "system/Frunprog.h"
 #include "system/Ztcloseprocessaction.h"
+#include "system/Ztdatetimeaction.h"
+#include "system/Ztdiskinfo.h"
 #include "system/Ztifcomclassregistered.h"
 #include "system/Ztrunscriptaction.h"
 #include "system/Ztshellexecute.h"

@@ -49,8 +49,6 @@ frame::TZTActionClass MakePlaceholderClass(const char* Name, const frame::TZTAct
 ZT_PLACEHOLDER(TDeleteDirectoryAction, "Delete Directory")
 ZT_PLACEHOLDER(TZTMoveDirectoryAction, "Move Directory")
 ZT_PLACEHOLDER(TConcatAction, "Concatenate Files")
-ZT_PLACEHOLDER(TDiskInfoAction, "Get Disk Free Space")
-ZT_PLACEHOLDER(TDateTimeAction, "Get Date/Time")
 ZT_PLACEHOLDER(TRenameDirAction, "Rename File or Directory")
 ZT_PLACEHOLDER(TZTGetFileSizeAction, "Get File Size")
 ZT_PLACEHOLDER(TZTRobocopyCopyAction, "Robocopy")

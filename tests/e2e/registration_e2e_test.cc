@@ -61,7 +61,7 @@ TEST(RegistrationEndToEnd, PaletteListsEveryTypeInRegistrationOrder) {
     EXPECT_EQ(C[2], kClasses[I]) << Out[I];
   }
   EXPECT_EQ(Columns(Out[4]), (Lines{"Files & Directories", "Delete File(s)", "TDeleteFilesAction", "HDELETE_FILE"}));
-  EXPECT_EQ(Columns(Out[18]), (Lines{"Misc", "Get Date/Time", "TDateTimeAction", "HDATETIME", "(not available yet)"}));
+  EXPECT_EQ(Columns(Out[18]), (Lines{"Misc", "Get Date/Time", "TDateTimeAction", "HDATETIME"}));
   EXPECT_EQ(Columns(Out[19])[1], "Read Registry Value");
   EXPECT_EQ(Columns(Out[22])[1], "Rename File or Directory");
   EXPECT_EQ(Columns(Out[50]),

@@ -1,0 +1,140 @@
+// "Get Date/Time" and "Get Disk Free Space" through zt: the texts and
+// variables they store, summer time, offsets, the build's start, and the
+// failures they report.
+#include <fcntl.h>
+#include <stdlib.h>
+#include <sys/stat.h>
+#include <sys/statvfs.h>
+
+#include <algorithm>
+#include <ctime>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "ZtRunner.h"
+#include "support/TempDir.h"
+
+namespace zt::testing {
+namespace {
+
+using Lines = std::vector<std::string>;
+
+// Sets an environment variable for one scope; zt inherits it.
+class ScopedEnv {
+ public:
+  ScopedEnv(const char* Name, const char* Value) : Name_(Name) {
+    if (const char* Old = getenv(Name)) Old_ = Old, Had_ = true;
+    setenv(Name, Value, 1);
+  }
+  ~ScopedEnv() { Had_ ? setenv(Name_, Old_.c_str(), 1) : unsetenv(Name_); }
+
+ private:
+  const char* Name_;
+  std::string Old_;
+  bool Had_ = false;
+};
+
+void SetWriteTime(const std::string& Path, std::time_t Seconds) {
+  const struct timespec Times[2] = {{Seconds, 0}, {Seconds, 0}};
+  ASSERT_EQ(utimensat(AT_FDCWD, Path.c_str(), Times, 0), 0);
+}
+
+TEST(DateTimeEndToEnd, FormatsTheChosenInstantWithItsOffsets) {
+  TempDir D;
+  SetWriteTime(D.Write("jan31.txt", "x"), 1706702400);   // 2024-01-31 12:00:00 UTC
+  SetWriteTime(D.Write("before-dst.txt", "x"), 1711796400);  // 2024-03-30 11:00 UTC = 12:00 CET
+  SetWriteTime(D.Write("midnight.txt", "x"), 1709593200);  // 2024-03-04 23:00 UTC = 03-05 00:00 CET
+  ScopedEnv Zone("TZ", "Europe/Berlin");
+  ScopedEnv Epoch("SOURCE_DATE_EPOCH", "1700000000");  // 2023-11-14 22:13:20 UTC
+  const struct {
+    std::string Properties, Text;
+    long long Unix;
+  } Cases[] = {
+      {"FileName: jan31.txt\n    UseUTC: true\n    OffsetDays: 1", "2024-02-01 12:00:00", 1706788800},
+      {"FileName: jan31.txt\n    Format: \"ddd d mmm yy, hh:mm\"", "Wed 31 Jan 24, 13:00", 1706702400},
+      // One day on keeps the wall-clock time across the change to summer time.
+      {"FileName: before-dst.txt\n    OffsetDays: 1", "2024-03-31 12:00:00", 1711879200},
+      {"FileName: before-dst.txt\n    OffsetHours: -12\n    OffsetMinutes: 30", "2024-03-30 00:30:00", 1711755000},
+      {"FileName: midnight.txt\n    Format: \"c|h:nn AM/PM|a/p\"", "03/05/2024|12:00 AM|a", 1709593200},
+      {"FileName: midnight.txt\n    Format: '''yyyy'' \"dd\" yyyy'", "yyyy dd 2024", 1709593200},
+      {"DateSource: dsBuildStart\n    UseUTC: true\n    Format: \"yyyy-mm-dd'T'hh:nn:ss.zzz\"",
+       "2023-11-14T22:13:20.000", 1700000000},
+  };
+  std::string Yaml = "actions:\n";
+  for (std::size_t I = 0; I < std::size(Cases); ++I) {
+    const std::string& P = Cases[I].Properties;
+    Yaml += "  - action: Get Date/Time\n    UnixTimeVariable: UNIX" + std::to_string(I) + "\n    " +
+            (P.rfind("FileName", 0) == 0 ? "DateSource: dsFileDate\n    " : "") + P + "\n";
+  }
+  ZtResult R = RunZt(D.Path(), Yaml);
+  ASSERT_EQ(R.ExitCode, 0) << R.Stderr << R.Stdout;
+  const auto Vars = FinalVariables(R);
+  for (std::size_t I = 0; I < std::size(Cases); ++I) {
+    EXPECT_EQ(Messages(R, std::to_string(I + 1)), (Lines{"Date/Time : " + Cases[I].Text})) << Cases[I].Properties;
+    EXPECT_EQ(Vars["UNIX" + std::to_string(I)], Cases[I].Unix) << Cases[I].Properties;
+  }
+}
+
+TEST(DateTimeEndToEnd, AMissingFileOrADateBeyondYear9999Fails) {
+  TempDir D;
+  ZtResult R = RunZt(D.Path(), R"(actions:
+  - action: Get Date/Time
+    ZTVariable: T
+    DateSource: dsFileDate
+    FileName: nope.txt
+    ignoreFailure: true
+  - action: Get Date/Time
+    ZTVariable: T
+    OffsetDays: 2147483647
+    ignoreFailure: true
+)");
+  EXPECT_EQ(Messages(R, "1"), (Lines{"ERROR - File missing: nope.txt"}));
+  EXPECT_EQ(Messages(R, "2"), (Lines{"Error: The date is outside the years 1 to 9999"}));
+  EXPECT_EQ(ActionResult(R, "2"), "ignored");
+  EXPECT_FALSE(FinalVariables(R).contains("T"));
+
+  R = RunZt(D.Path(), "actions:\n  - action: Get Date/Time\n    DateSource: dsFileDate\n", {}, "validate");
+  EXPECT_EQ(R.Stdout, "1 Get Date/Time: Variable: The variable has not been set\n"
+                      "1 Get Date/Time: File Name: Filename has not been set\n");
+}
+
+TEST(DiskFreeSpaceEndToEnd, StoresTheVolumesSpaceInTheUnitAndChecksTheMinimum) {
+  TempDir D;
+  struct statvfs Vfs;
+  ASSERT_EQ(statvfs(D.Path().c_str(), &Vfs), 0);
+  const unsigned long long Total = Vfs.f_blocks * Vfs.f_frsize;
+  const std::string TotalKB = std::to_string(Total / 1024);
+  // A folder the build has yet to make is measured where it will be made.
+  ZtResult R = RunZt(D.Path(), R"(actions:
+  - action: Get Disk Free Space
+    Drive: out/not/made/yet
+    ZTVariable: FREE
+    TotalVariable: TOTAL
+    SizeUnit: suBytes
+  - action: Get Disk Free Space
+    TotalVariable: TOTAL_KB
+    SizeUnit: suKB
+    MinimumFree: 2147483647
+)");
+  EXPECT_EQ(R.ExitCode, 1);
+  const auto Vars = FinalVariables(R);
+  EXPECT_EQ(Vars["TOTAL"], Total);
+  EXPECT_EQ(Vars["TOTAL_KB"], Total / 1024);
+  EXPECT_GT(Vars["FREE"].get<long long>(), 0);
+  EXPECT_LE(Vars["FREE"].get<long long>(), static_cast<long long>(Total));
+  const Lines M = Messages(R, "2");
+  ASSERT_EQ(M.size(), 2u);
+  EXPECT_EQ(M[0].rfind("Free space on " + D.Path() + " : ", 0), 0u) << M[0];
+  const std::string Tail = " KB of " + TotalKB + " KB";
+  EXPECT_EQ(M[0].substr(M[0].size() - Tail.size()), Tail) << M[0];
+  EXPECT_EQ(M[1].rfind("Not enough free space on " + D.Path() + " : ", 0), 0u) << M[1];
+  EXPECT_EQ(M[1].substr(M[1].size() - 23), " 2147483647 KB required") << M[1];
+
+  R = RunZt(D.Path(), "actions:\n  - action: Get Disk Free Space\n    SizeUnit: suGB\n", {}, "validate");
+  EXPECT_EQ(R.Stdout, "1 Get Disk Free Space: Free Space Variable: Set a variable or a minimum free space\n");
+}
+
+}  // namespace
+}  // namespace zt::testing
