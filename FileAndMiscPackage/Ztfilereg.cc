@@ -8,6 +8,7 @@
 #include "files/BActions1.h"
 #include "files/Ztcopymove.h"
 #include "files/Ztdeletefilesaction.h"
+#include "files/Ztdirectoryactions.h"
 #include "files/Ztfileattrib.h"
 #include "files/Zttouchfile.h"
 #include "iterators/Ztfileiterator.h"

@@ -46,10 +46,7 @@ frame::TZTActionClass MakePlaceholderClass(const char* Name, const frame::TZTAct
 #define ZT_PLACEHOLDER(Cls, DisplayName) ZT_PLACEHOLDER_CLASS(Cls, TZTPlaceholderAction, false, DisplayName)
 
 // --- Stand-ins, in registration order ---
-ZT_PLACEHOLDER(TDeleteDirectoryAction, "Delete Directory")
-ZT_PLACEHOLDER(TZTMoveDirectoryAction, "Move Directory")
 ZT_PLACEHOLDER(TConcatAction, "Concatenate Files")
-ZT_PLACEHOLDER(TRenameDirAction, "Rename File or Directory")
 ZT_PLACEHOLDER(TZTGetFileSizeAction, "Get File Size")
 ZT_PLACEHOLDER(TZTRobocopyCopyAction, "Robocopy")
 ZT_PLACEHOLDER(TZTRobocopyJobAction, "Run Robocopy Job")

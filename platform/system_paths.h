@@ -9,6 +9,10 @@ namespace zt::platform {
 // folder; "/usr/bin" on POSIX.
 std::string GetSysDirectory();
 
+// The user's home directory: USERPROFILE on Windows; on POSIX HOME, else the
+// account's home from the password database. Empty when neither is known.
+std::string GetHomeDirectory();
+
 // Creates a new, empty file with a unique name in the temporary directory
 // (TMPDIR on POSIX, else /tmp) and returns its full name; Extension ("xcp"
 // or ".xcp") ends the name. Empty, with the last error set, on failure.

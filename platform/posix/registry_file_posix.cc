@@ -2,7 +2,6 @@
 // share, and the locked read-modify-write of every change.
 #include <errno.h>
 #include <fcntl.h>
-#include <pwd.h>
 #include <stdlib.h>
 #include <sys/file.h>
 #include <unistd.h>
@@ -13,6 +12,7 @@
 #include "platform/paths.h"
 #include "platform/posix/posix_env.h"
 #include "platform/registry_file.h"
+#include "platform/system_paths.h"
 
 namespace zt::platform {
 
@@ -50,12 +50,8 @@ std::shared_ptr<const TRegistryDocument> Load(const std::string& Path) {
 std::string DefaultDataHome() {
   const char* Xdg = getenv("XDG_DATA_HOME");
   if (Xdg && Xdg[0] == '/') return Xdg;  // a relative one is to be ignored
-  const char* Home = getenv("HOME");
-  if (!Home || !*Home) {
-    const struct passwd* Pw = getpwuid(getuid());
-    Home = Pw ? Pw->pw_dir : "/";
-  }
-  return std::string(Home) + "/.local/share";
+  const std::string Home = GetHomeDirectory();
+  return (Home.empty() ? std::string("/") : Home) + "/.local/share";
 }
 
 // The store's advisory lock, held while the object lives.

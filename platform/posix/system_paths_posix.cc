@@ -1,3 +1,4 @@
+#include <pwd.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -10,6 +11,12 @@
 namespace zt::platform {
 
 std::string GetSysDirectory() { return "/usr/bin"; }
+
+std::string GetHomeDirectory() {
+  if (const char* Home = std::getenv("HOME"); Home && *Home) return Home;
+  const struct passwd* Pw = getpwuid(getuid());
+  return Pw && Pw->pw_dir ? Pw->pw_dir : "";
+}
 
 std::string GetTemporaryFileName(const std::string& Extension) {
   const char* Dir = std::getenv("TMPDIR");
