@@ -1,5 +1,6 @@
 #include "files/DirectoryTree.h"
 
+#include "files/SearchGuard.h"
 #include "platform/errors.h"
 #include "platform/files.h"
 #include "platform/paths.h"
@@ -10,15 +11,6 @@ namespace zt::package {
 namespace pf = zt::platform;
 
 namespace {
-
-// Closes an open search however the walk ends.
-struct TSearchGuard {
-  pf::TSearchRec& F;
-  bool Open = false;
-  ~TSearchGuard() {
-    if (Open) pf::FindClose(F);
-  }
-};
 
 bool IsDotEntry(const std::string& Name) { return Name == "." || Name == ".."; }
 

@@ -3,6 +3,7 @@
 #include <atomic>
 #include <exception>
 
+#include "files/SearchGuard.h"
 #include "frame/ZTUtils.h"
 #include "platform/env.h"
 #include "platform/errors.h"
@@ -57,15 +58,6 @@ std::int32_t RoundedPercent(std::int64_t Total, std::int64_t Transferred) {
   if (Twice > Divisor || (Twice == Divisor && (Quotient & 1))) ++Quotient;
   return static_cast<std::int32_t>(Quotient);
 }
-
-// Closes an open search however the walk ends.
-struct TSearchGuard {
-  pf::TSearchRec& F;
-  bool Open = false;
-  ~TSearchGuard() {
-    if (Open) pf::FindClose(F);
-  }
-};
 
 // True when both names lead to one existing file, however they are spelt.
 bool SameExistingFile(const std::string& A, const std::string& B) {

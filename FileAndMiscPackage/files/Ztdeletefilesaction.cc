@@ -1,5 +1,6 @@
 #include "files/Ztdeletefilesaction.h"
 
+#include "files/SearchGuard.h"
 #include "frame/ZTUtils.h"
 #include "platform/errors.h"
 #include "platform/files.h"
@@ -21,19 +22,6 @@ void TDeleteFilesAction::Publish(frame::TZTPublisher<TDeleteFilesAction>& P) {
   P.Boolean("DeleteHidden", &TDeleteFilesAction::GetDeleteHidden, &TDeleteFilesAction::SetDeleteHidden);
   P.Boolean("FailIfNoFile", &TDeleteFilesAction::GetFailIfNoFile, &TDeleteFilesAction::SetFailIfNoFile);
 }
-
-namespace {
-
-// Closes an open search however the loop ends.
-struct TSearchGuard {
-  pf::TSearchRec& F;
-  bool Open = false;
-  ~TSearchGuard() {
-    if (Open) pf::FindClose(F);
-  }
-};
-
-}  // namespace
 
 bool TCustomDeleteFilesAction::Execute() {
   bool Result = true;

@@ -2,6 +2,7 @@
 
 #include <cctype>
 
+#include "files/SearchGuard.h"
 #include "frame/ZTUtils.h"
 #include "platform/errors.h"
 #include "platform/files.h"
@@ -28,15 +29,6 @@ void TSetFileAttributesAction::Publish(frame::TZTPublisher<TSetFileAttributesAct
 }
 
 namespace {
-
-// Closes an open search however the walk ends (an exception included).
-struct TSearchGuard {
-  pf::TSearchRec& F;
-  bool Open = false;
-  ~TSearchGuard() {
-    if (Open) pf::FindClose(F);
-  }
-};
 
 int Apply(int Attributes, TAttributeSetting Setting, int Bit) {
   if (Setting == asSet) return Attributes | Bit;

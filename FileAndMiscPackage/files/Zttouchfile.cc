@@ -3,6 +3,7 @@
 #include <cmath>
 #include <stdexcept>
 
+#include "files/SearchGuard.h"
 #include "frame/ZTUtils.h"
 #include "platform/files.h"
 #include "platform/paths.h"
@@ -31,14 +32,6 @@ void TTouchFilesAction::Publish(frame::TZTPublisher<TTouchFilesAction>& P) {
 }
 
 namespace {
-
-struct TSearchGuard {
-  pf::TSearchRec& F;
-  bool Open = false;
-  ~TSearchGuard() {
-    if (Open) pf::FindClose(F);
-  }
-};
 
 bool IsDotEntry(const std::string& Name) { return Name == "." || Name == ".."; }
 
