@@ -100,7 +100,8 @@ best() {
 ratio() { python3 -c "print('%.2f' % ($1 / $2))"; }
 zt_count() {  # the count zt logs for the project in $WORK/project.yml
   "$ZT" run "$WORK/project.yml" --quiet --log-json "$WORK/log.jsonl" >/dev/null
-  grep -o '"text":"Found [0-9]* match' "$WORK/log.jsonl" | grep -o '[0-9]*' | head -1
+  # the closing message ("Found N matches."), not the progress lines before it
+  grep -o '"text":"Found [0-9]* match[a-z]*\."' "$WORK/log.jsonl" | grep -o '[0-9]*' | head -1
 }
 cat "$WORK/text.txt" >/dev/null
 
