@@ -8,13 +8,18 @@
 
 #include "host/cli/commands.h"
 #include "host/cli/registry_command.h"
+#include "host/cli/tool_commands.h"
 #include "host/project/did_you_mean.h"
 #include "host/version.h"
 
 using namespace zt::host;
 
 int main(int argc, char** argv) {
-  const std::vector<std::string> Commands = {"run", "validate", "describe", "actions", "help", "registry"};
+  const std::vector<std::string> Commands = {"run",      "validate", "describe", "actions",
+                                             "help",     "registry", "robocopy"};
+  // The built-in copy tools take their own switches ("/MIR"): everything
+  // after the command is theirs.
+  if (argc > 1 && std::string(argv[1]) == "robocopy") return RobocopyCommand({argv + 2, argv + argc});
   if (argc > 1 && argv[1][0] != '-') {
     std::string Word = argv[1];
     if (std::find(Commands.begin(), Commands.end(), Word) == Commands.end()) {
@@ -29,6 +34,7 @@ int main(int argc, char** argv) {
       "  zt run release.yml --var VERSION=1.4.2 --log-json build.jsonl\n"
       "  zt help \"Copy File(s)\"\n"
       "  zt registry import settings.reg\n"
+      "  zt robocopy build/out /srv/share/out /MIR     (the built-in robocopy; its own exit codes)\n"
       "\n"
       "Exit codes: 0 success; 1 the build failed (validate: errors found); 2 the project could not be\n"
       "loaded or the command line is wrong; 130 stopped (Ctrl+C).");

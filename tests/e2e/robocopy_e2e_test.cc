@@ -1,0 +1,276 @@
+// The built-in robocopy through `zt robocopy`: file classes against the
+// class switches, the exit-code bits, and the safety rules (a mistyped
+// source, a destination inside the source, a mirror onto a parent of the
+// source, /MT keeping the order of lines).
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "ZtRunner.h"
+#include "support/TempDir.h"
+
+namespace zt::testing {
+namespace {
+
+namespace fs = std::filesystem;
+using Lines = std::vector<std::string>;
+
+// Files written with the same age have the same time to the nanosecond.
+const fs::file_time_type Now = fs::file_time_type::clock::now();
+
+void Write(const std::string& Path, const std::string& Text, int AgeSeconds = 1000) {
+  fs::create_directories(fs::path(Path).parent_path());
+  std::ofstream(Path) << Text;
+  fs::last_write_time(Path, Now - std::chrono::seconds(AgeSeconds));
+}
+
+Lines Listing(const std::string& Dir) {
+  Lines Names;
+  for (const auto& E : fs::directory_iterator(Dir)) Names.push_back(E.path().filename().string());
+  std::sort(Names.begin(), Names.end());
+  return Names;
+}
+
+std::string Read(const std::string& Path) {
+  std::ifstream In(Path);
+  std::stringstream S;
+  S << In.rdbuf();
+  return S.str();
+}
+
+Lines OutputLines(const ZtResult& R) {
+  Lines L;
+  std::istringstream In(R.Stdout);
+  for (std::string Line; std::getline(In, Line);) L.push_back(Line);
+  return L;
+}
+
+Lines Sorted(Lines L) {
+  std::sort(L.begin(), L.end());
+  return L;
+}
+
+ZtResult Robocopy(const TempDir& Dir, Lines Args) {
+  Args.insert(Args.begin(), "robocopy");
+  return RunZtArgs(Dir.Path(), Args);
+}
+
+// One file of each class: lonely, changed, newer, older, same, tweaked
+// (same but read-only at the destination), and a mismatch (a directory at
+// the destination).
+void MakeClasses(const TempDir& Dir) {
+  Write(Dir / "src/lonely.txt", "lonely");
+  Write(Dir / "src/changed.txt", "changed!", 500);
+  Write(Dir / "dst/changed.txt", "old", 500);
+  Write(Dir / "src/newer.txt", "newer", 100);
+  Write(Dir / "dst/newer.txt", "stale", 900);
+  Write(Dir / "src/older.txt", "older", 900);
+  Write(Dir / "dst/older.txt", "fresh", 100);
+  Write(Dir / "src/same.txt", "same", 700);
+  Write(Dir / "dst/same.txt", "same", 700);
+  Write(Dir / "src/tweaked.txt", "tweak", 600);
+  Write(Dir / "dst/tweaked.txt", "tweak", 600);
+  chmod((Dir / "dst/tweaked.txt").c_str(), 0444);
+  Write(Dir / "src/mm", "file here");
+  fs::create_directories(Dir / "dst/mm");
+}
+
+TEST(RobocopyEndToEnd, FileClassesAgainstClassSwitches) {
+  const std::string Mismatch = "*MISMATCH : mm (9 bytes)";
+  struct Row {
+    Lines Switches;
+    Lines Expected;  // the file lines; the files named there are copied, the others not
+    int Code;
+  } Rows[] = {
+      {{}, {"Changed : changed.txt (8 bytes)", "New File : lonely.txt (6 bytes)", "Newer : newer.txt (5 bytes)",
+            "Older : older.txt (5 bytes)", Mismatch}, 5},
+      {{"/XL"}, {"Changed : changed.txt (8 bytes)", "Newer : newer.txt (5 bytes)", "Older : older.txt (5 bytes)",
+                 Mismatch}, 5},
+      {{"/XC", "/XN", "/XO"}, {"New File : lonely.txt (6 bytes)", Mismatch}, 5},
+      {{"/XL", "/XC", "/XN", "/XO", "/IS"}, {"Same : same.txt (4 bytes)", "Same : tweaked.txt (5 bytes)", Mismatch}, 5},
+      {{"/XL", "/XC", "/XN", "/XO", "/IT"}, {"Tweaked : tweaked.txt (5 bytes)", Mismatch}, 5},
+      {{"/XL", "/XC", "/XN", "/XO"}, {Mismatch}, 4},
+      {{"/L"}, {"Changed : changed.txt (8 bytes)", "New File : lonely.txt (6 bytes)", "Newer : newer.txt (5 bytes)",
+                "Older : older.txt (5 bytes)", Mismatch}, 5},
+  };
+  for (const Row& Case : Rows) {
+    TempDir Dir;
+    MakeClasses(Dir);
+    Lines Args = {"src", "dst", "/NJH", "/NJS", "/R:0"};
+    Args.insert(Args.end(), Case.Switches.begin(), Case.Switches.end());
+    ZtResult R = Robocopy(Dir, Args);
+    const std::string Row = ::testing::PrintToString(Case.Switches);
+    EXPECT_EQ(R.ExitCode, Case.Code) << Row << R.Stdout;
+    EXPECT_EQ(Sorted(OutputLines(R)), Sorted(Case.Expected)) << Row;
+    const bool ListOnly = Case.Switches == Lines{"/L"};
+    for (const char* Name : {"lonely.txt", "changed.txt", "newer.txt", "older.txt", "same.txt", "tweaked.txt"}) {
+      const bool Listed = std::any_of(Case.Expected.begin(), Case.Expected.end(), [&](const std::string& L) {
+        return L.find(std::string(" ") + Name + " ") != std::string::npos;
+      });
+      const bool Copied = Listed && !ListOnly;
+      const std::string Src = Dir / "src/" + Name, Dst = Dir / "dst/" + Name;
+      const bool Equal = std::string(Name) == "same.txt" || std::string(Name) == "tweaked.txt";
+      EXPECT_EQ(Read(Dst) == Read(Src), Copied || Equal) << Row << " " << Name;
+      if (Copied) {
+        EXPECT_EQ(fs::last_write_time(Dst), fs::last_write_time(Src)) << Name;
+      }
+    }
+    EXPECT_TRUE(fs::is_directory(Dir / "dst/mm")) << Row;
+  }
+}
+
+TEST(RobocopyEndToEnd, ExitBitsAddUpAndFatalStandsAlone) {
+  struct Row {
+    const char* What;
+    Lines Args;
+    int Code;
+  } Rows[] = {
+      {"nothing to do", {"src", "dst", "/XX"}, 0},
+      {"a copy", {"src", "dst", "/IS", "/XX"}, 1},
+      {"an extra", {"src", "dst"}, 2},
+      {"an extra not looked at", {"src", "dst", "/PURGE", "/XX"}, 0},
+      {"a mismatch", {"src", "dst", "/S", "/XX", "/XD", "sub"}, 4},
+      {"a failure", {"src", "dst", "/S", "/XX", "/XD", "mm", "/R:0"}, 8},
+      {"everything", {"src", "dst", "/S", "/IS", "/PURGE", "/R:0"}, 15},
+      {"a refused switch", {"src", "dst", "/PURGE", "/SEC"}, 16},
+      {"a bad value", {"src", "dst", "/PURGE", "/LEV:x"}, 16},
+      {"a mistyped source", {"srx", "dst", "/MIR"}, 16},
+      {"the same directory", {"src", "./src/", "/MIR"}, 16},
+  };
+  for (const Row& Case : Rows) {
+    TempDir Dir;
+    Write(Dir / "src/a.txt", "a");
+    Write(Dir / "dst/a.txt", "a");
+    Write(Dir / "dst/extra.txt", "x");
+    Write(Dir / "src/sub/fifo.txt", "f");
+    fs::create_directories(Dir / "dst/sub");
+    mkfifo((Dir / "dst/sub/fifo.txt").c_str(), 0644);
+    Write(Dir / "src/mm/in.txt", "m");
+    Write(Dir / "dst/mm", "not a directory");
+    ZtResult R = Robocopy(Dir, Case.Args);
+    EXPECT_EQ(R.ExitCode, Case.Code) << Case.What << "\n" << R.Stdout;
+    // Fatal runs change nothing: the extra is still there.
+    if (Case.Code == 16) {
+      EXPECT_EQ(Read(Dir / "dst/extra.txt"), "x") << Case.What;
+    }
+  }
+}
+
+TEST(RobocopyEndToEnd, RefusedSwitchAndMissingSourceSayWhy) {
+  TempDir Dir;
+  Write(Dir / "dst/keep.txt", "keep");
+  EXPECT_EQ(OutputLines(Robocopy(Dir, {"src", "dst", "/B"})),
+            (Lines{"ERROR : Invalid Parameter : /B (not supported by the built-in engine)"}));
+  ZtResult R = Robocopy(Dir, {"srx", "dst", "/MIR", "/NJH"});
+  EXPECT_EQ(OutputLines(R), (Lines{"ERROR : The source directory does not exist or cannot be read : srx/",
+                                   " --> The system cannot find the path specified"}));
+  EXPECT_EQ(Read(Dir / "dst/keep.txt"), "keep");
+}
+
+TEST(RobocopyEndToEnd, MirrorPurgesExtrasButNotExcludedOnes) {
+  TempDir Dir;
+  Write(Dir / "src/a.txt", "a");
+  Write(Dir / "src/sub/b.txt", "b");
+  Write(Dir / "dst/old.txt", "old");
+  Write(Dir / "dst/build.log", "log");
+  Write(Dir / "dst/gone/deep/c.txt", "c");
+  chmod((Dir / "dst/gone/deep/c.txt").c_str(), 0444);
+  ZtResult R = Robocopy(Dir, {"src", "dst", "/MIR", "/XF", "*.log"});
+  EXPECT_EQ(R.ExitCode, 3) << R.Stdout;
+  const Lines Out = OutputLines(R);
+  ASSERT_GE(Out.size(), 8u);
+  EXPECT_EQ(Lines(Out.begin(), Out.begin() + 4),
+            (Lines{"Source : src/", "Dest : dst/", "Files : *.*", "Options : /MIR /XF *.log"}));
+  EXPECT_EQ(Sorted(Lines(Out.begin() + 4, Out.end() - 4)),
+            Sorted({"*EXTRA File : old.txt (3 bytes) (purged)", "*EXTRA Dir : gone/ (purged)",
+                    "New File : a.txt (1 bytes)", "New Dir : sub/", "New File : sub/b.txt (1 bytes)"}));
+  EXPECT_EQ(Lines(Out.end() - 4, Out.end() - 1),
+            (Lines{"Dirs : 2 total, 1 copied, 1 skipped, 0 mismatched, 0 failed, 1 extra",
+                   "Files : 2 total, 2 copied, 0 skipped, 0 mismatched, 0 failed, 1 extra",
+                   "Bytes : 2 total, 2 copied, 0 skipped, 0 mismatched, 0 failed, 3 extra"}));
+  EXPECT_EQ(Out.back().rfind("Time : ", 0), 0u);
+  EXPECT_EQ(Read(Dir / "dst/build.log"), "log");
+  EXPECT_FALSE(fs::exists(Dir / "dst/old.txt"));
+  EXPECT_FALSE(fs::exists(Dir / "dst/gone"));
+  EXPECT_EQ(Read(Dir / "dst/sub/b.txt"), "b");
+}
+
+TEST(RobocopyEndToEnd, NeitherTreeIsWalkedIntoOrPurgedThroughTheOther) {
+  {  // destination inside the source
+    TempDir Dir;
+    Write(Dir / "src/a.txt", "a");
+    ZtResult R = Robocopy(Dir, {"src", "src/copy", "/E", "/NJH", "/NJS"});
+    EXPECT_EQ(R.ExitCode, 1);
+    EXPECT_EQ(OutputLines(R), (Lines{"New File : a.txt (1 bytes)",
+                                     "Destination is inside the source; it is not copied into itself"}));
+    EXPECT_FALSE(fs::exists(Dir / "src/copy/copy"));
+  }
+  {  // a mirror onto a parent of the source keeps the source
+    TempDir Dir;
+    Write(Dir / "top/stage/a.txt", "a");
+    ZtResult R = Robocopy(Dir, {"top/stage", "top", "/MIR", "/NJH", "/NJS"});
+    EXPECT_EQ(R.ExitCode, 3);
+    EXPECT_EQ(Read(Dir / "top/stage/a.txt"), "a");
+    EXPECT_EQ(Read(Dir / "top/a.txt"), "a");
+  }
+}
+
+TEST(RobocopyEndToEnd, MoveTakesWhatTheDestinationHoldsAndLeavesSkippedFiles) {
+  TempDir Dir;
+  Write(Dir / "src/new.txt", "n");
+  Write(Dir / "src/same.txt", "s", 300);
+  Write(Dir / "dst/same.txt", "s", 300);
+  Write(Dir / "src/older.txt", "o", 900);
+  Write(Dir / "dst/older.txt", "O", 100);
+  Write(Dir / "src/sub/deep/x.txt", "x");
+  ZtResult R = Robocopy(Dir, {"src", "dst", "/MOVE", "/S", "/XO"});
+  EXPECT_EQ(R.ExitCode, 1) << R.Stdout;
+  EXPECT_EQ(Listing(Dir / "src"), Lines{"older.txt"});
+  EXPECT_EQ(Read(Dir / "dst/new.txt"), "n");
+  EXPECT_EQ(Read(Dir / "dst/sub/deep/x.txt"), "x");
+  EXPECT_EQ(Read(Dir / "dst/older.txt"), "O");
+}
+
+TEST(RobocopyEndToEnd, ManyThreadsLogWhatOneThreadLogs) {
+  TempDir Dir;
+  for (int D = 0; D < 8; ++D)
+    for (int F = 0; F < 40; ++F)
+      Write(Dir / ("src/d" + std::to_string(D) + "/f" + std::to_string(F) + ".txt"), std::string(F * 50, 'x'));
+  Write(Dir / "src/fifo.txt", "f");
+  for (const char* Dst : {"one", "many"}) {
+    fs::create_directories(Dir / Dst);
+    mkfifo((Dir / Dst + "/fifo.txt").c_str(), 0644);
+  }
+  ZtResult One = Robocopy(Dir, {"src", "one", "/E", "/NJH", "/NJS", "/R:1", "/W:0"});
+  ZtResult Many = Robocopy(Dir, {"src", "many", "/E", "/NJH", "/NJS", "/R:1", "/W:0", "/MT:8"});
+  EXPECT_EQ(One.ExitCode, 9);
+  EXPECT_EQ(Many.ExitCode, 9);
+  EXPECT_EQ(OutputLines(Many), OutputLines(One));
+  EXPECT_EQ(OutputLines(One).size(), 8u + 321u + 6u);  // dirs, files, the failure and its retry
+  EXPECT_EQ(Read(Dir / "many/d7/f39.txt"), std::string(39 * 50, 'x'));
+}
+
+TEST(RobocopyEndToEnd, AJobFileGivesPathsAndSwitchesTheCommandLineAddsTo) {
+  TempDir Dir;
+  Write(Dir / "my src/app.dll", "dll");
+  Write(Dir / "my src/app.pdb", "pdb");
+  Write(Dir / "my src/obj/x.dll", "obj");
+  Write(Dir / "my src/lib/y.dll", "y");
+  Write(Dir / "out/stale.dll", "old");
+  Write(Dir / "release.rcj", ":: saved\n/SD:my src\t:: the source\n/DD:out\n/IF\n  *.dll\n/XD\n  obj\n/S\n");
+  ZtResult R = Robocopy(Dir, {"/JOB:release", "/PURGE", "/NJH", "/NJS"});
+  EXPECT_EQ(R.ExitCode, 3) << R.Stdout;
+  EXPECT_EQ(Listing(Dir / "out"), (Lines{"app.dll", "lib"}));
+  EXPECT_EQ(Read(Dir / "out/lib/y.dll"), "y");
+  EXPECT_EQ(Robocopy(Dir, {"/JOB:missing", "/PURGE"}).Stdout, "ERROR : Cannot read the job file : missing.RCJ\n");
+}
+
+}  // namespace
+}  // namespace zt::testing
