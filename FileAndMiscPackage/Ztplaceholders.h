@@ -46,15 +46,12 @@ frame::TZTActionClass MakePlaceholderClass(const char* Name, const frame::TZTAct
 #define ZT_PLACEHOLDER(Cls, DisplayName) ZT_PLACEHOLDER_CLASS(Cls, TZTPlaceholderAction, false, DisplayName)
 
 // --- Stand-ins, in registration order ---
-ZT_PLACEHOLDER(TConcatAction, "Concatenate Files")
-ZT_PLACEHOLDER(TZTGetFileSizeAction, "Get File Size")
 ZT_PLACEHOLDER(TZTRobocopyCopyAction, "Robocopy")
 ZT_PLACEHOLDER(TZTRobocopyJobAction, "Run Robocopy Job")
 ZT_PLACEHOLDER(TZTRobocopyMoveAction, "Robocopy Move")
 ZT_PLACEHOLDER(TZTRobocopyMirrorAction, "Robocopy Mirror")
 ZT_PLACEHOLDER(TZTExtractFileVerInfoAction, "Extract Version Info")
 ZT_PLACEHOLDER(TTextReplaceAction, "Text Replace (Deprecated)")
-ZT_PLACEHOLDER(TZTFileCompareAction, "File Compare")
 ZT_PLACEHOLDER(TZTFileSetCopyMoveAction, "FileSet Copy/Move")
 ZT_PLACEHOLDER(TZTImagesAction, "Image Manipulation")
 ZT_PLACEHOLDER(TZTJPEGLosslessTransformAction, "JPEG Lossless Transform")

@@ -20,14 +20,6 @@ constexpr pf::DWORD kCopiedBits = pf::faReadOnly | pf::faHidden | pf::faSysFile 
 
 }  // namespace
 
-bool GetIdentity(const std::string& Path, pf::FileInfo& Info) {
-  return pf::Env::Default()->QueryFileInfo(Path, Info) == 0;
-}
-
-bool SameIdentity(const pf::FileInfo& A, const pf::FileInfo& B) {
-  return A.Device == B.Device && A.Inode == B.Inode;
-}
-
 bool IsSameOrInside(const std::string& Path, const pf::FileInfo& Dir) {
   std::string P = Path.empty() ? "." : Path;
   pf::FileInfo Here;

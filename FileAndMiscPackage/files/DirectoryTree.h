@@ -6,14 +6,12 @@
 #include <functional>
 #include <string>
 
+#include "files/FileIdentity.h"
 #include "frame/ZTStrings.h"
 #include "platform/env.h"
 
 namespace zt::package {
 
-// Device and inode of Path, links followed; false when Path cannot be reached.
-bool GetIdentity(const std::string& Path, platform::FileInfo& Info);
-bool SameIdentity(const platform::FileInfo& A, const platform::FileInfo& B);
 // True when Path is Dir or lies below it, however Path is spelt: its
 // parents are followed through "..", so links on the way count where they
 // lead.
