@@ -33,6 +33,7 @@
 #include "text/Ztlogvariablevalues.h"
 #include "text/Ztreadtextfileaction.h"
 #include "text/Ztreplacevariablesaction.h"
+#include "text/Zttextreplace.h"
 #include "text/Ztvariablessaveloadaction.h"
 #include "text/Ztwritetotextfileaction.h"
 

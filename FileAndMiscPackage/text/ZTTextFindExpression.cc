@@ -26,10 +26,11 @@ std::string BuildSearchExpression(const std::string& SearchString, const TTextFi
   E.reserve(SearchString.size() * 2 + 16);
   for (std::size_t I = 0; I < SearchString.size(); ++I) {
     const char C = SearchString[I];
-    if (C == '\r' && I + 1 < SearchString.size() && SearchString[I + 1] == '\n') {
+    const bool Widen = !Options.ExactLineBreaks;
+    if (Widen && C == '\r' && I + 1 < SearchString.size() && SearchString[I + 1] == '\n') {
       E += "\\r\\n";
       ++I;
-    } else if (C == '\n') {
+    } else if (Widen && C == '\n') {
       // A line break written without its CR (as project files write them)
       // matches the CR LF of a loaded file as well.
       E += "\\r?\\n";

@@ -12,6 +12,8 @@ struct TTextFindOptions {
   bool WholeWords = false;
   bool WholeLinesOnly = false;
   bool MatchWildcards = false;
+  // A line break in plain text matches only itself (no CR LF for a lone LF).
+  bool ExactLineBreaks = false;
 };
 
 // The expression for SearchString (already expanded). A regular expression
