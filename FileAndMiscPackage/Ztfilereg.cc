@@ -13,6 +13,8 @@
 #include "files/Ztfileattrib.h"
 #include "files/Ztfilecompare.h"
 #include "files/Ztgetfilesize.h"
+#include "files/Ztfilesetcopymove.h"
+#include "files/Ztfileverinfo.h"
 #include "files/Zttouchfile.h"
 #include "iterators/Ztfileiterator.h"
 #include "iterators/Ztfolderiteratoraction.h"

@@ -50,8 +50,6 @@ ZT_PLACEHOLDER(TZTRobocopyCopyAction, "Robocopy")
 ZT_PLACEHOLDER(TZTRobocopyJobAction, "Run Robocopy Job")
 ZT_PLACEHOLDER(TZTRobocopyMoveAction, "Robocopy Move")
 ZT_PLACEHOLDER(TZTRobocopyMirrorAction, "Robocopy Mirror")
-ZT_PLACEHOLDER(TZTExtractFileVerInfoAction, "Extract Version Info")
-ZT_PLACEHOLDER(TZTFileSetCopyMoveAction, "FileSet Copy/Move")
 ZT_PLACEHOLDER(TZTImagesAction, "Image Manipulation")
 ZT_PLACEHOLDER(TZTJPEGLosslessTransformAction, "JPEG Lossless Transform")
 

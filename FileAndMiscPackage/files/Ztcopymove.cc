@@ -3,6 +3,7 @@
 #include <atomic>
 #include <exception>
 
+#include "files/Copyprogress.h"
 #include "files/SearchGuard.h"
 #include "frame/ZTUtils.h"
 #include "platform/env.h"
@@ -45,18 +46,6 @@ pf::DWORD CopyProgressRoutine(std::int64_t TotalFileSize, std::int64_t TotalByte
                               std::int64_t, pf::DWORD, pf::DWORD, void* Data) {
   static_cast<TCustomCopyFilesAction*>(Data)->ProgressCallback(TotalFileSize, TotalBytesTransferred);
   return pf::PROGRESS_CONTINUE;
-}
-
-// Transferred / Total as a whole percentage, ties to even; exact, so that
-// 1 of 8 bytes gives 12 and 3 of 8 gives 38.
-std::int32_t RoundedPercent(std::int64_t Total, std::int64_t Transferred) {
-  if (Total <= 0) return 0;
-  const unsigned __int128 Scaled = static_cast<unsigned __int128>(Transferred < 0 ? 0 : Transferred) * 100;
-  const auto Divisor = static_cast<unsigned __int128>(Total);
-  auto Quotient = Scaled / Divisor;
-  const auto Twice = (Scaled % Divisor) * 2;
-  if (Twice > Divisor || (Twice == Divisor && (Quotient & 1))) ++Quotient;
-  return static_cast<std::int32_t>(Quotient);
 }
 
 // True when both names lead to one existing file, however they are spelt.
