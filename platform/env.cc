@@ -14,6 +14,13 @@ Env* Env::Default() {
   return E ? E : Platform();
 }
 
+bool Env::PathExists(const std::string& Path, bool& IsDirectory) {
+  FileInfo Info;
+  if (Default()->QueryFileInfo(Path, Info) != ERROR_SUCCESS) return false;
+  IsDirectory = (Info.Attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+  return true;
+}
+
 Env* Env::SetDefault(Env* Replacement) {
   Env* Previous = Installed.exchange(Replacement, std::memory_order_acq_rel);
   return Previous ? Previous : Platform();

@@ -69,6 +69,13 @@ class Env {
   // replacing what was stored (other bits are ignored). 0, or
   // ERROR_NOT_SUPPORTED when the file system cannot keep them.
   virtual DWORD WriteDosAttributes(const std::string& Path, DWORD Bits) = 0;
+  // True when Path exists (symbolic links followed; a dangling link exists
+  // as a file), with IsDirectory filled: all FileExists and DirectoryExists
+  // ask. Built from QueryFileInfo, so a replacement that overrides that sees
+  // the question; the platform's own Env answers without the attribute bits
+  // and the error's detail, which cost a call each. Not forwarded by
+  // EnvWrapper, for the same reason.
+  virtual bool PathExists(const std::string& Path, bool& IsDirectory);
 
   // ---- Services (contracts in files.h) ----
 

@@ -95,13 +95,13 @@ bool ForceDirectories(const std::string& Path) {
 }
 
 bool FileExists(const std::string& Path) {
-  FileInfo Info;
-  return Env::Default()->QueryFileInfo(Path, Info) == 0 && !(Info.Attributes & FILE_ATTRIBUTE_DIRECTORY);
+  bool IsDirectory = false;
+  return Env::Default()->PathExists(Path, IsDirectory) && !IsDirectory;
 }
 
 bool DirectoryExists(const std::string& Path) {
-  FileInfo Info;
-  return Env::Default()->QueryFileInfo(Path, Info) == 0 && (Info.Attributes & FILE_ATTRIBUTE_DIRECTORY);
+  bool IsDirectory = false;
+  return Env::Default()->PathExists(Path, IsDirectory) && IsDirectory;
 }
 
 bool GetDiskFreeSpaceExA(const std::string& Directory, std::uint64_t* FreeBytesAvailable,

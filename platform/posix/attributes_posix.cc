@@ -126,20 +126,40 @@ void FillInfo(const struct stat& St, DWORD Attributes, FileInfo& Info) {
   Info.Inode = St.st_ino;
 }
 
-DWORD PosixEnv::QueryFileInfo(const std::string& Path, FileInfo& Info) {
-  // One call for a file or a missing name; a symbolic link is followed, and
-  // a dangling one is still an entry: it describes the link itself.
-  const struct timespec Before = ClockBeforeStat();
-  struct stat St;
-  if (lstat(Path.c_str(), &St) != 0) return PathError(errno, Path);
-  const bool Link = S_ISLNK(St.st_mode);
+namespace {
+
+// stat data of Path: 0, or the errno. One call for a file or a missing name;
+// a symbolic link is followed, and a dangling one is still an entry: it
+// describes the link itself.
+int StatEntry(const std::string& Path, struct stat& St, bool& Link) {
+  if (lstat(Path.c_str(), &St) != 0) return errno;
+  Link = S_ISLNK(St.st_mode);
   if (Link) {
     struct stat Target;
     if (stat(Path.c_str(), &Target) == 0)
       St = Target;
     else if (errno != ENOENT)
-      return PathError(errno, Path);
+      return errno;
   }
+  return 0;
+}
+
+}  // namespace
+
+bool PosixEnv::PathExists(const std::string& Path, bool& IsDirectory) {
+  if (!PlatformEnvInstalled()) return Env::PathExists(Path, IsDirectory);
+  struct stat St;
+  bool Link = false;
+  if (StatEntry(Path, St, Link) != 0) return false;
+  IsDirectory = S_ISDIR(St.st_mode);
+  return true;
+}
+
+DWORD PosixEnv::QueryFileInfo(const std::string& Path, FileInfo& Info) {
+  const struct timespec Before = ClockBeforeStat();
+  struct stat St;
+  bool Link = false;
+  if (int Error = StatEntry(Path, St, Link)) return PathError(Error, Path);
   const DWORD Attributes = CombineAttributes(St, StoredBitsOf(Path, St, Before), IsDotHidden(Path));
   FillInfo(St, Link ? WithLinkBit(Attributes) : Attributes, Info);
   return ERROR_SUCCESS;

@@ -15,6 +15,7 @@ class PosixEnv final : public Env {
   DWORD QueryFileInfo(const std::string& Path, FileInfo& Info) override;
   DWORD CopyChunk(THandle From, THandle To, std::int64_t MaxBytes, std::int64_t& Copied) override;
   DWORD WriteDosAttributes(const std::string& Path, DWORD Bits) override;
+  bool PathExists(const std::string& Path, bool& IsDirectory) override;
 
   int FindFirst(const std::string& Path, int Attr, TSearchRec& F) override;
   int FindNext(TSearchRec& F) override;

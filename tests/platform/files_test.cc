@@ -9,6 +9,7 @@
 #include <unistd.h>
 
 #include "platform/dates.h"
+#include "platform/env.h"
 #include "platform/stop.h"
 #include "platform/system_paths.h"
 #include "tests/platform/file_util.h"
@@ -172,15 +173,40 @@ TEST(Volumes, FreeSpaceIsThatOfTheVolumeHoldingThePath) {
   EXPECT_EQ(GetLastError(), ERROR_PATH_NOT_FOUND);
 }
 
-TEST(Files, ExistsTellsFilesFromDirectories) {
+// Answers "not found" for one path, whatever is there.
+class HiddenPath : public EnvWrapper {
+ public:
+  explicit HiddenPath(std::string Path) : EnvWrapper(Env::Default()), Path_(std::move(Path)) {}
+  DWORD QueryFileInfo(const std::string& Path, FileInfo& Info) override {
+    return Path == Path_ ? ERROR_FILE_NOT_FOUND : EnvWrapper::QueryFileInfo(Path, Info);
+  }
+
+ private:
+  std::string Path_;
+};
+
+TEST(Files, ExistsTellsFilesFromDirectoriesThroughLinks) {
   TempDir T;
   WriteText(T / "f", "abc");
-  EXPECT_TRUE(FileExists(T / "f"));
+  ASSERT_EQ(symlink("f", (T / "to-file").c_str()), 0);
+  ASSERT_EQ(symlink(".", (T / "to-dir").c_str()), 0);
+  ASSERT_EQ(symlink("gone", (T / "dangling").c_str()), 0);
+  for (const std::string Name : {"f", "to-file", "dangling"}) {
+    EXPECT_TRUE(FileExists(T / Name)) << Name;
+    EXPECT_FALSE(DirectoryExists(T / Name)) << Name;
+  }
+  EXPECT_FALSE(FileExists(T / "to-dir"));
+  EXPECT_TRUE(DirectoryExists(T / "to-dir"));
   EXPECT_FALSE(FileExists(T.Path()));
   EXPECT_TRUE(DirectoryExists(T.Path()));
-  EXPECT_FALSE(DirectoryExists(T / "f"));
+  EXPECT_FALSE(FileExists(T / "g"));
+  EXPECT_FALSE(DirectoryExists(T / "g/h"));
   EXPECT_EQ(FileSizeOf(T / "f"), 3);
   EXPECT_EQ(FileSizeOf(T / "g"), -1);
+  // A replacement Env is asked, as for every other question about a file.
+  HiddenPath Env(T / "f");
+  ScopedEnv Installed(&Env);
+  EXPECT_FALSE(FileExists(T / "f"));
 }
 
 TEST(Files, WriteAtomicallyReplacesContentsAndLeavesNoTemporaryFile) {
