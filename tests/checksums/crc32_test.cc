@@ -2,6 +2,7 @@
 // file routine's text form.
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <random>
 
 #include "checksums/Crc32Engine.h"
@@ -9,6 +10,7 @@
 #include "PlainChecksums.h"
 #include "checksums/Ztcrccalc.h"
 #include "platform/env.h"
+#include "platform/errors.h"
 #include "support/TempDir.h"
 
 namespace zt::package {
@@ -144,11 +146,45 @@ class InstalledEnv {
 };
 
 TEST_F(GetCRC32Test, ShortReadsStillCoverTheWholeFile) {
-  const std::string Data = RandomBytes(300000, 5);
+  // Past 1 MiB the reads run ahead on a second thread.
+  const std::string Data = RandomBytes(1500000, 5);
   const std::string Path = Write("short.bin", Data);
   ShortReadEnv Env(platform::Env::Platform());
   InstalledEnv Installed(&Env);
   EXPECT_EQ(GetCRC32(Path), testing::Hex8(PlainCRC32(Data)));
+}
+
+// The program is stopped once Limit bytes have been read.
+class StopAfterEnv : public platform::EnvWrapper {
+ public:
+  StopAfterEnv(platform::Env* Target, std::int64_t Limit) : EnvWrapper(Target), Left_(Limit) {}
+  int FileRead(platform::THandle Handle, void* Buffer, int Count) override {
+    if (Left_ <= 0) {
+      platform::SetLastError(platform::ERROR_OPERATION_ABORTED);
+      return -1;
+    }
+    const int N = Target()->FileRead(Handle, Buffer, Count);
+    Left_ -= N;
+    return N;
+  }
+
+ private:
+  std::atomic<std::int64_t> Left_;
+};
+
+TEST_F(GetCRC32Test, StopWhileReadingGivesNoChecksumOfPartOfTheFile) {
+  const std::string Path = Write("stopped.bin", RandomBytes(4 << 20, 6));
+  for (std::int64_t Limit : {0, 40000, 3 << 20}) {  // the first block, a block before and after read-ahead
+    StopAfterEnv Env(platform::Env::Platform(), Limit);
+    InstalledEnv Installed(&Env);
+    platform::SetLastError(0);
+    try {
+      GetCRC32(Path);
+      ADD_FAILURE() << "no exception at " << Limit;
+    } catch (const EInOutError& E) {
+      EXPECT_EQ(E.ErrorCode, platform::ERROR_OPERATION_ABORTED) << Limit;
+    }
+  }
 }
 
 TEST(InOutErrorText, NamesKnownCodesAndNumbersTheRest) {
