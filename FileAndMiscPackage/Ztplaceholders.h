@@ -51,7 +51,6 @@ ZT_PLACEHOLDER(TZTRobocopyJobAction, "Run Robocopy Job")
 ZT_PLACEHOLDER(TZTRobocopyMoveAction, "Robocopy Move")
 ZT_PLACEHOLDER(TZTRobocopyMirrorAction, "Robocopy Mirror")
 ZT_PLACEHOLDER(TZTImagesAction, "Image Manipulation")
-ZT_PLACEHOLDER(TZTJPEGLosslessTransformAction, "JPEG Lossless Transform")
 
 // The robocopy options object (host-wide settings).
 struct TZTRobocopyOptions {
