@@ -270,7 +270,7 @@ TEST(Registration, EveryTypeCreatesAnActionNamedAsRegistered) {
 
 TEST(Registration, BuiltTypesReportAvailable) {
   EXPECT_TRUE(package::TDeleteFilesAction::ClassType().IsAvailable());
-  EXPECT_FALSE(package::TZTJPEGLosslessTransformAction::ClassType().IsAvailable());
+  EXPECT_FALSE(package::TZTImagesAction::ClassType().IsAvailable());
   // Abstract classes cannot be created.
   EXPECT_EQ(package::TCustomRegAction::ClassType().Create, nullptr);
 }
