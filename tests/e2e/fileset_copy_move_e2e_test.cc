@@ -1,7 +1,9 @@
 // "FileSet Copy/Move" through zt: a project file set's files copied or moved
 // below a destination with their paths (or flat), the rules for targets that
 // exist, and the refusals that keep a set from copying onto itself.
+#include <signal.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <filesystem>
 #include <fstream>
@@ -150,6 +152,25 @@ actions:
   R = RunZt(D.Path(), "actions:\n  - action: FileSet Copy/Move\n", {}, "validate");
   EXPECT_EQ(R.Stdout, "1 FileSet Copy/Move: File Set: A File Set must be provided\n"
                       "1 FileSet Copy/Move: Destination Directory: The target directory has not been set\n");
+}
+
+TEST(FileSetCopyMoveEndToEnd, AStopEndsTheCopyWithoutAPartialTarget) {
+  TempDir D;
+  Make(D, "src/z.txt", "z");  // after huge.bin in the set's order
+  ASSERT_EQ(truncate(D.Write("src/huge.bin", "").c_str(), 1LL << 30), 0);  // sparse: no disk used
+  ZtResult R = RunZtAndSignal(D.Path(), R"(filesets:
+  S:
+    base: src
+    include: ["*"]
+actions:
+  - action: FileSet Copy/Move
+    FileSetName: S
+    TargetDir: out
+)", "\"Copying File :", SIGINT);
+  EXPECT_EQ(R.ExitCode, 130) << R.Stderr;
+  EXPECT_EQ(StatusDetails(R, "1"), (Lines{"Copying file set S -> out", "Stopping...", "0 Files Copied."}));
+  EXPECT_FALSE(fs::exists(D / "out/huge.bin"));
+  EXPECT_FALSE(fs::exists(D / "out/z.txt"));
 }
 
 }  // namespace
