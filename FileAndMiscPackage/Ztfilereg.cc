@@ -27,6 +27,8 @@
 #include "system/Ztdatetimeaction.h"
 #include "system/Ztdiskinfo.h"
 #include "system/Ztifcomclassregistered.h"
+#include "system/Ztrobocopy.h"
+#include "system/Ztrobocopyoptions.h"
 #include "system/Ztrunscriptaction.h"
 #include "system/Ztshellexecute.h"
 #include "system/Ztxcopyaction.h"

@@ -46,18 +46,6 @@ frame::TZTActionClass MakePlaceholderClass(const char* Name, const frame::TZTAct
 #define ZT_PLACEHOLDER(Cls, DisplayName) ZT_PLACEHOLDER_CLASS(Cls, TZTPlaceholderAction, false, DisplayName)
 
 // --- Stand-ins, in registration order ---
-ZT_PLACEHOLDER(TZTRobocopyCopyAction, "Robocopy")
-ZT_PLACEHOLDER(TZTRobocopyJobAction, "Run Robocopy Job")
-ZT_PLACEHOLDER(TZTRobocopyMoveAction, "Robocopy Move")
-ZT_PLACEHOLDER(TZTRobocopyMirrorAction, "Robocopy Mirror")
 ZT_PLACEHOLDER(TZTImagesAction, "Image Manipulation")
-
-// The robocopy options object (host-wide settings).
-struct TZTRobocopyOptions {
-  static const frame::TZTOptionsClass& ClassType() {
-    static const frame::TZTOptionsClass C{"TZTRobocopyOptions"};
-    return C;
-  }
-};
 
 }  // namespace zt::package

@@ -18,7 +18,8 @@
 namespace zt::frame {
 
 // Version of this contract; the host refuses a package built for another.
-// 2: GetNextActionSource, action status, IZTFileSet::GetBaseDir.
+// 2: GetNextActionSource, action status, IZTFileSet::GetBaseDir, options
+// objects (IZTActionHost::GetOptionValue).
 constexpr int ZT_HOST_API_VERSION = 2;
 
 // GetNextActionSource: State nsExecuted is the moment after the action's
@@ -121,6 +122,14 @@ class IZTActionHost {
                                               int& ReplaceCount) {
     (void)Action, (void)Text, (void)FailOnUnknown, (void)ReplaceCount;
     throw std::logic_error("this host does not count replaced references");
+  }
+  // The value of an options object's property (IZTOptionsServices): the
+  // project's `options:` setting, else the declared default. Empty for an
+  // options class or property nobody registered, and from hosts without
+  // options objects.
+  virtual TZTVariant GetOptionValue(const std::string& OptionsClass, const std::string& Property) {
+    (void)OptionsClass, (void)Property;
+    return {};
   }
 };
 
@@ -314,6 +323,9 @@ class TCustomZTAction : public TZTAction {
   }
   IZTProjectObjectAPI* GetProjectObjectAPI() { return Host().GetProjectObjectAPI(); }
   std::shared_ptr<IZTStringBuilder> CreateStringBuilder() { return Host().CreateStringBuilder(); }
+  TZTVariant GetOptionValue(const std::string& OptionsClass, const std::string& Property) {
+    return Host().GetOptionValue(OptionsClass, Property);
+  }
 };
 
 inline const TZTActionClass& TCustomZTAction::ClassType() {

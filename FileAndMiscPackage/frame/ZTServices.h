@@ -39,9 +39,21 @@ class IZTScriptingServices {
                               const std::string& MethodType) = 0;
 };
 
-// A host-wide options object (the robocopy options).
+// One setting of an options object: its name, its default (its type is the
+// default's: Boolean, integer or text), and for an enumeration the names of
+// its values (the default is then one of them).
+struct TZTOptionProperty {
+  std::string Name;
+  TZTVariant Default;
+  std::vector<std::string> EnumNames;
+};
+
+// A host-wide options object (the robocopy options). A project sets its
+// properties under `options:`; actions read them with
+// IZTActionHost::GetOptionValue.
 struct TZTOptionsClass {
   std::string ClassName;
+  std::vector<TZTOptionProperty> Properties;  // in declaration order
 };
 
 class IZTOptionsServices {

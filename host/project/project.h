@@ -2,6 +2,7 @@
 // action objects. Built by LoadProject; run by the Runner.
 #pragma once
 
+#include <map>
 #include <memory>
 #include <string>
 #include <utility>
@@ -52,6 +53,8 @@ struct Project {
   std::string Name;
   std::vector<std::pair<std::string, frame::TZTVariant>> InitialVariables;
   std::vector<FileSetDefinition> FileSets;
+  // `options:`: options class -> property -> value, names as registered.
+  std::map<std::string, std::map<std::string, frame::TZTVariant>> Options;
   std::vector<ActionNode> Actions;
 };
 

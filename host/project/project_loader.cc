@@ -1,5 +1,7 @@
 #include "host/project/project_loader.h"
 
+#include <strings.h>
+
 #include <yaml-cpp/depthguard.h>
 #include <yaml-cpp/yaml.h>
 
@@ -21,7 +23,7 @@ namespace zt::host {
 
 namespace {
 
-const std::vector<std::string> kProjectKeys = {"name", "variables", "filesets", "actions"};
+const std::vector<std::string> kProjectKeys = {"name", "variables", "filesets", "options", "actions"};
 const std::vector<std::string> kHostKeys = {"action",        "title",   "enabled",
                                             "ignoreFailure", "actions", "scripts"};
 const std::vector<std::string> kFileSetKeys = {"base", "include", "exclude"};
@@ -115,6 +117,8 @@ class Loader {
           LoadVariables(Value, P);
         else if (Key == "filesets")
           LoadFileSets(Value, P);
+        else if (Key == "options")
+          LoadOptions(Value, P);
         else if (Key == "actions") {
           HasActions = true;
           if (Value.IsNull()) Fail(Entry.first, kNoActions);
@@ -125,6 +129,60 @@ class Loader {
       });
     }
     if (!HasActions) Errors_.push_back({std::max(LineOf(Root), 1), kNoActions});
+  }
+
+  // options: {OptionsClass: {Property: value}}; each value of its
+  // property's type (a Boolean, an integer, a text, or an enumeration name).
+  void LoadOptions(const YAML::Node& Node, Project& P) {
+    if (Node.IsNull()) return;
+    if (!Node.IsMap()) Fail(Node, "options must be a mapping of options class to settings");
+    for (const auto& C : Node) {
+      Try([&] {
+        const std::string ClassName = C.first.Scalar();
+        const RegisteredOptions* O = Registry_.FindOptions(ClassName);
+        if (!O) {
+          std::vector<std::string> Names;
+          for (const auto& R : Registry_.Options()) Names.push_back(R.ClassName);
+          Fail(C.first, "unknown options \"" + ClassName + "\"" + DidYouMean(ClassName, Names));
+        }
+        if (C.second.IsNull()) return;
+        if (!C.second.IsMap()) Fail(C.second, O->ClassName + " must be a mapping of property to value");
+        for (const auto& V : C.second) {
+          Try([&] {
+            const std::string Name = V.first.Scalar();
+            const frame::TZTOptionProperty* Prop = O->Find(Name);
+            if (!Prop) {
+              std::vector<std::string> Names;
+              for (const auto& R : O->Properties) Names.push_back(R.Name);
+              Fail(V.first, O->ClassName + ": unknown property \"" + Name + "\"" + DidYouMean(Name, Names));
+            }
+            P.Options[O->ClassName][Prop->Name] = OptionValue(*Prop, V.second, O->ClassName);
+          });
+        }
+      });
+    }
+  }
+
+  frame::TZTVariant OptionValue(const frame::TZTOptionProperty& Prop, const YAML::Node& Node,
+                                const std::string& ClassName) {
+    const std::string What = ClassName + "." + Prop.Name;
+    const std::string Text = Scalar(Node, What);
+    if (!Prop.EnumNames.empty()) {
+      for (const std::string& E : Prop.EnumNames)
+        if (strcasecmp(E.c_str(), Text.c_str()) == 0) return E;
+      Fail(Node, What + ": unknown value \"" + Text + "\"" + DidYouMean(Text, Prop.EnumNames));
+    }
+    try {
+      switch (Prop.Default.Kind()) {
+        case frame::TZTVariant::TKind::Boolean: return frame::TZTVariant(Text).AsBoolean();
+        case frame::TZTVariant::TKind::Integer: return frame::TZTVariant(Text).AsInteger();
+        default: return Text;
+      }
+    } catch (const std::exception&) {
+      Fail(Node, What + " must be " + (Prop.Default.Kind() == frame::TZTVariant::TKind::Boolean ? "true or false"
+                                                                                              : "an integer"));
+    }
+    return {};
   }
 
   void LoadVariables(const YAML::Node& Node, Project& P) {

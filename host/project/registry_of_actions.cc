@@ -41,7 +41,19 @@ void ActionRegistry::RegisterMethod(const frame::TZTActionClass& ActionClass, co
 }
 
 void ActionRegistry::RegisterOptions(const frame::TZTOptionsClass& OptionsClass, const std::string& IconName) {
-  Options_.push_back({OptionsClass.ClassName, IconName, {}});
+  Options_.push_back({OptionsClass.ClassName, IconName, {}, OptionsClass.Properties});
+}
+
+const frame::TZTOptionProperty* RegisteredOptions::Find(const std::string& Name) const {
+  for (const auto& P : Properties)
+    if (strcasecmp(P.Name.c_str(), Name.c_str()) == 0) return &P;
+  return nullptr;
+}
+
+const RegisteredOptions* ActionRegistry::FindOptions(const std::string& ClassName) const {
+  for (const auto& O : Options_)
+    if (strcasecmp(O.ClassName.c_str(), ClassName.c_str()) == 0) return &O;
+  return nullptr;
 }
 
 void ActionRegistry::RegisterOptionsPages(const frame::TZTOptionsClass& OptionsClass,
@@ -51,7 +63,7 @@ void ActionRegistry::RegisterOptionsPages(const frame::TZTOptionsClass& OptionsC
       O.Pages = ToStrings(Pages);
       return;
     }
-  Options_.push_back({OptionsClass.ClassName, "", ToStrings(Pages)});
+  Options_.push_back({OptionsClass.ClassName, "", ToStrings(Pages), OptionsClass.Properties});
 }
 
 const RegisteredAction* ActionRegistry::Find(const std::string& Name) const {

@@ -37,6 +37,8 @@ struct RegisteredMethod {
 struct RegisteredOptions {
   std::string ClassName, Icon;
   std::vector<std::string> Pages;
+  std::vector<frame::TZTOptionProperty> Properties;
+  const frame::TZTOptionProperty* Find(const std::string& Name) const;  // any letter case
 };
 
 class ActionRegistry : public frame::IZTActionServices,
@@ -74,6 +76,7 @@ class ActionRegistry : public frame::IZTActionServices,
   const std::vector<RegisteredMethod>& Methods() const { return Methods_; }
   const std::vector<std::pair<std::string, frame::TZTVariant>>& Constants() const { return Constants_; }
   const std::vector<RegisteredOptions>& Options() const { return Options_; }
+  const RegisteredOptions* FindOptions(const std::string& ClassName) const;  // any letter case
 
  private:
   std::vector<RegisteredAction> Actions_;

@@ -175,6 +175,14 @@ std::string Runner::ExpandExpression(frame::TZTAction&, const std::string& Text,
   }
 }
 
+frame::TZTVariant Runner::GetOptionValue(const std::string& OptionsClass, const std::string& Property) {
+  if (auto C = Project_.Options.find(OptionsClass); C != Project_.Options.end())
+    if (auto V = C->second.find(Property); V != C->second.end()) return V->second;
+  const RegisteredOptions* O = Project_.Registry ? Project_.Registry->FindOptions(OptionsClass) : nullptr;
+  const frame::TZTOptionProperty* P = O ? O->Find(Property) : nullptr;
+  return P ? P->Default : frame::TZTVariant();
+}
+
 std::string Runner::ExpandExpressionCounted(frame::TZTAction&, const std::string& Text, bool FailOnUnknown,
                                             int& ReplaceCount) {
   try {

@@ -82,6 +82,7 @@ class Runner : public frame::IZTActionHost {
   }
   frame::IZTLoopRunner* GetLoopRunner() override { return &Loops_; }
   frame::IZTProcessRunner* GetProcessRunner() override { return &Processes_; }
+  frame::TZTVariant GetOptionValue(const std::string& OptionsClass, const std::string& Property) override;
   std::string ExpandExpressionCounted(frame::TZTAction& Action, const std::string& Text, bool FailOnUnknown,
                                       int& ReplaceCount) override;
 
