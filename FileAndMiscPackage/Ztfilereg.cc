@@ -16,6 +16,7 @@
 #include "files/Ztfilesetcopymove.h"
 #include "files/Ztfileverinfo.h"
 #include "files/Zttouchfile.h"
+#include "images/Ztimages.h"
 #include "images/Ztjpegtransform.h"
 #include "iterators/Ztfileiterator.h"
 #include "iterators/Ztfolderiteratoraction.h"

@@ -45,7 +45,6 @@ frame::TZTActionClass MakePlaceholderClass(const char* Name, const frame::TZTAct
 
 #define ZT_PLACEHOLDER(Cls, DisplayName) ZT_PLACEHOLDER_CLASS(Cls, TZTPlaceholderAction, false, DisplayName)
 
-// --- Stand-ins, in registration order ---
-ZT_PLACEHOLDER(TZTImagesAction, "Image Manipulation")
+// --- Stand-ins, in registration order (none at present) ---
 
 }  // namespace zt::package
