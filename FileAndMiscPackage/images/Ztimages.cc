@@ -25,7 +25,8 @@ constexpr TPropertyText kTexts[] = {
     {"Rotation", nullptr, "auto: upright by the EXIF orientation"},
     {"FlipHorizontal", nullptr, "mirror left to right, after turning"},
     {"FlipVertical", nullptr, "mirror top to bottom, after turning"},
-    {"ResizeMode", nullptr, "fit inside the box; fill it, cropping the centre; stretch to it; or scale by the percentage"},
+    {"ResizeMode", nullptr,
+     "fit inside the box; fill it, cropping the centre; stretch to it; or scale by the percentage"},
     {"Width", nullptr, "of the box, after turning; 0: any"},
     {"Height", nullptr, "of the box, after turning; 0: any"},
     {"Percent", nullptr, "scale of rmPercent"},
@@ -48,15 +49,16 @@ void TZTImagesAction::Publish(frame::TZTPublisher<TZTImagesAction>& P) {
   P.Boolean("Recurse", &A::GetRecurse, &A::SetRecurse);
   P.Boolean("FailIfNoFiles", &A::GetFailIfNoFiles, &A::SetFailIfNoFiles);
   P.String("OutputDirectory", &A::GetOutputDirectory, &A::SetOutputDirectory);
-  P.Enumeration("OutputFormat", "TZTImageFormat", {"ifSame", "ifJPEG", "ifPNG", "ifGIF", "ifBMP", "ifTIFF", "ifWebP"},
-                &A::GetOutputFormat, &A::SetOutputFormat);
+  P.Enumeration("OutputFormat", "TZTImageFormat",
+                {"ifSame", "ifJPEG", "ifPNG", "ifGIF", "ifBMP", "ifTIFF", "ifWebP"}, &A::GetOutputFormat,
+                &A::SetOutputFormat);
   P.String("FileNameSuffix", &A::GetFileNameSuffix, &A::SetFileNameSuffix);
   P.Integer("Quality", &A::GetQuality, &A::SetQuality);
   P.Boolean("Progressive", &A::GetProgressive, &A::SetProgressive);
   P.Boolean("StripMetadata", &A::GetStripMetadata, &A::SetStripMetadata);
   P.Boolean("OverwriteExisting", &A::GetOverwriteExisting, &A::SetOverwriteExisting);
-  P.Enumeration("Rotation", "TZTImageRotation", {"irNone", "irAuto", "ir90", "ir180", "ir270"}, &A::GetRotation,
-                &A::SetRotation);
+  P.Enumeration("Rotation", "TZTImageRotation", {"irNone", "irAuto", "ir90", "ir180", "ir270"},
+                &A::GetRotation, &A::SetRotation);
   P.Boolean("FlipHorizontal", &A::GetFlipHorizontal, &A::SetFlipHorizontal);
   P.Boolean("FlipVertical", &A::GetFlipVertical, &A::SetFlipVertical);
   P.Enumeration("ResizeMode", "TZTResizeMode", {"rmNone", "rmFit", "rmFill", "rmStretch", "rmPercent"},
@@ -82,21 +84,13 @@ std::string TZTImagesAction::OutputExtension(const std::string&) const {
   return kExtensions[static_cast<int>(FOutputFormat)];
 }
 
-bool TZTImagesAction::ProcessImage(const std::string& Source, const std::string& Output, frame::TStrings& Details,
-                                   int& Width, int& Height) {
+bool TZTImagesAction::ProcessImage(const std::string& Source, const std::string& Output,
+                                   frame::TStrings& Details, int& Width, int& Height) {
   const std::string Suffix = platform::ExtractFileExt(Output);
-  const TZTImageJob Job{Source.c_str(),
-                        Suffix.c_str(),
-                        FQuality,
-                        FProgressive,
-                        FStripMetadata,
-                        static_cast<int>(FRotation),
-                        FFlipHorizontal,
-                        FFlipVertical,
-                        static_cast<int>(FResizeMode),
-                        FWidth,
-                        FHeight,
-                        FPercent,
+  const TZTImageJob Job{Source.c_str(),  Suffix.c_str(), FQuality,
+                        FProgressive,    FStripMetadata, static_cast<int>(FRotation),
+                        FFlipHorizontal, FFlipVertical,  static_cast<int>(FResizeMode),
+                        FWidth,          FHeight,        FPercent,
                         FOnlyShrink};
   TZTImageResult Result{};
   if (!FModule->Process(&Job, &Result)) {

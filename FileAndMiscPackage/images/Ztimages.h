@@ -54,8 +54,8 @@ class TZTImagesAction : public TCustomImageFilesAction {
   std::string CountText() const override { return " Images Processed."; }
   bool BeginRun(frame::TStrings& Details) override;
   std::string OutputExtension(const std::string& Source) const override;
-  bool ProcessImage(const std::string& Source, const std::string& Output, frame::TStrings& Details, int& Width,
-                    int& Height) override;
+  bool ProcessImage(const std::string& Source, const std::string& Output, frame::TStrings& Details,
+                    int& Width, int& Height) override;
 
  private:
   TZTImageFormat FOutputFormat = TZTImageFormat::ifSame;

@@ -64,8 +64,7 @@ TEST(RegistrationEndToEnd, PaletteListsEveryTypeInRegistrationOrder) {
   EXPECT_EQ(Columns(Out[18]), (Lines{"Misc", "Get Date/Time", "TDateTimeAction", "HDATETIME"}));
   EXPECT_EQ(Columns(Out[19])[1], "Read Registry Value");
   EXPECT_EQ(Columns(Out[22])[1], "Rename File or Directory");
-  EXPECT_EQ(Columns(Out[49]),
-            (Lines{"Misc", "Image Manipulation", "TZTImagesAction", "IMAGEACTION", "(not available yet)"}));
+  EXPECT_EQ(Columns(Out[49]), (Lines{"Misc", "Image Manipulation", "TZTImagesAction", "IMAGEACTION"}));
   EXPECT_EQ(Columns(Out[50]), (Lines{"Misc", "JPEG Lossless Transform", "TZTJPEGLosslessTransformAction", "IMAGEACTION"}));
 }
 

@@ -1,13 +1,12 @@
 // "Image Manipulation" through zt on images made with libvips at run time:
 // sizes after turning, formats, output names, EXIF orientation, failures
 // that leave nothing behind, and zt without the image module.
-#include <vips/vips8>
+#include <gtest/gtest.h>
 
 #include <filesystem>
 #include <string>
 #include <vector>
-
-#include <gtest/gtest.h>
+#include <vips/vips8>
 
 #include "ZtRunner.h"
 #include "support/TempDir.h"
@@ -25,7 +24,8 @@ class ImagesEndToEnd : public ::testing::Test {
   // A W x H picture with a gradient, saved by its extension's saver.
   static void MakeImage(const std::string& Path, int W, int H, int Orientation = 0, bool Alpha = false) {
     const VImage Xy = VImage::xyz(W, H);
-    VImage Image = (Xy[0] * (255.0 / W)).bandjoin(Xy[1] * (255.0 / H)).bandjoin_const({128}).cast(VIPS_FORMAT_UCHAR);
+    VImage Image =
+        (Xy[0] * (255.0 / W)).bandjoin(Xy[1] * (255.0 / H)).bandjoin_const({128}).cast(VIPS_FORMAT_UCHAR);
     Image = Image.copy(VImage::option()->set("interpretation", VIPS_INTERPRETATION_sRGB));
     if (Alpha) Image = Image.bandjoin_const({200});
     if (Orientation) Image.set("orientation", Orientation);
@@ -59,7 +59,8 @@ TEST_F(ImagesEndToEnd, ResizesTurnsAndConvertsIntoNamedOutputs) {
       {"    ResizeMode: rmFit\n    Width: 100\n    Height: 100\n", "wide_1.jpg", "100x50 jpegload 3"},
       {"    ResizeMode: rmFill\n    Width: 100\n    Height: 100\n", "wide_2.jpg", "100x100 jpegload 3"},
       {"    ResizeMode: rmStretch\n    Width: 50\n    Height: 80\n", "wide_3.jpg", "50x80 jpegload 3"},
-      {"    ResizeMode: rmPercent\n    Percent: 25\n    OutputFormat: ifPNG\n", "wide_4.png", "100x50 pngload 3"},
+      {"    ResizeMode: rmPercent\n    Percent: 25\n    OutputFormat: ifPNG\n", "wide_4.png",
+       "100x50 pngload 3"},
       {"    ResizeMode: rmFit\n    Width: 800\n", "wide_5.jpg", "400x200 jpegload 3"},
       {"    ResizeMode: rmFit\n    Width: 800\n    OnlyShrink: false\n", "wide_6.jpg", "800x400 jpegload 3"},
       {"    Rotation: ir90\n    ResizeMode: rmFit\n    Height: 100\n", "wide_7.jpg", "50x100 jpegload 3"},
@@ -68,17 +69,19 @@ TEST_F(ImagesEndToEnd, ResizesTurnsAndConvertsIntoNamedOutputs) {
   };
   std::string Yaml = "actions:\n";
   for (std::size_t I = 0; I < std::size(Cases); ++I)
-    Yaml += Action("    FileSpec: src/wide.jpg\n    FileNameSuffix: _" + std::to_string(I + 1) + "\n" + Cases[I].Options);
+    Yaml += Action("    FileSpec: src/wide.jpg\n    FileNameSuffix: _" + std::to_string(I + 1) + "\n" +
+                   Cases[I].Options);
   // The tree rebuilt under the output directory; alpha flattened into a JPEG.
-  Yaml += Action("    FileSpec: src/a*.png\n    Recurse: true\n    OutputDirectory: out\n    OutputFormat: ifJPEG\n"
-                 "    ResizeMode: rmFit\n    Width: 40\n");
+  Yaml += Action(
+      "    FileSpec: src/a*.png\n    Recurse: true\n    OutputDirectory: out\n    OutputFormat: ifJPEG\n"
+      "    ResizeMode: rmFit\n    Width: 40\n");
   ZtResult R = RunZt(D.Path(), Yaml);
   for (std::size_t I = 0; I < std::size(Cases); ++I) {
     const std::string Id = std::to_string(I + 1);
     const std::string Size = Cases[I].Facts.substr(0, Cases[I].Facts.find(' '));
-    EXPECT_EQ(StatusDetails(R, Id), (Lines{"Processing images : src/wide.jpg",
-                                           "src/wide.jpg -> src/" + Cases[I].Output + " (" + Size + ")",
-                                           "1 Images Processed."}));
+    EXPECT_EQ(StatusDetails(R, Id),
+              (Lines{"Processing images : src/wide.jpg",
+                     "src/wide.jpg -> src/" + Cases[I].Output + " (" + Size + ")", "1 Images Processed."}));
     EXPECT_EQ(Describe(D / ("src/" + Cases[I].Output)), Cases[I].Facts) << Cases[I].Options;
   }
   EXPECT_EQ(StatusDetails(R, "10")[1], "src/sub/alpha.png -> out/sub/alpha.jpg (40x20)");
@@ -89,10 +92,11 @@ TEST_F(ImagesEndToEnd, AutoRotationStandsImagesUprightByTheirOrientation) {
   TempDir D;
   MakeImage(D / "turned.jpg", 400, 200, 6);
   const std::string Out = "    FileSpec: turned.jpg\n    FileNameSuffix: _";
-  ZtResult R = RunZt(D.Path(), "actions:\n" +
-                                   Action(Out + "fit\n    Rotation: irAuto\n    ResizeMode: rmFit\n    Height: 100\n") +
-                                   Action(Out + "pct\n    Rotation: irAuto\n    ResizeMode: rmPercent\n    Percent: 50\n") +
-                                   Action(Out + "raw\n    ResizeMode: rmFit\n    Width: 100\n"));
+  ZtResult R = RunZt(
+      D.Path(), "actions:\n" +
+                    Action(Out + "fit\n    Rotation: irAuto\n    ResizeMode: rmFit\n    Height: 100\n") +
+                    Action(Out + "pct\n    Rotation: irAuto\n    ResizeMode: rmPercent\n    Percent: 50\n") +
+                    Action(Out + "raw\n    ResizeMode: rmFit\n    Width: 100\n"));
   EXPECT_EQ(Describe(D / "turned_fit.jpg"), "50x100 jpegload 3");
   EXPECT_EQ(Describe(D / "turned_pct.jpg"), "100x200 jpegload 3");
   EXPECT_EQ(Describe(D / "turned_raw.jpg"), "100x50 jpegload 3");
@@ -106,13 +110,14 @@ TEST_F(ImagesEndToEnd, FailuresStopTheActionAndLeaveNoOutput) {
   std::filesystem::copy_file(D / "shown.png", D / "named.jpg");  // a PNG named .jpg
   const std::string Good = D.Read("good.jpg");
   D.Write("cut.jpg", Good.substr(0, Good.size() / 2));
-  ZtResult R = RunZt(D.Path(), "actions:\n" +
-                                   Action("    FileSpec: cut.jpg\n    FileNameSuffix: _t\n    ResizeMode: rmPercent\n"
-                                          "    Percent: 50\n") +
-                                   Action("    FileSpec: good.jpg\n    ResizeMode: rmPercent\n    Percent: 50\n") +
-                                   Action("    FileSpec: named.jpg\n    FileNameSuffix: _t\n    ResizeMode: rmPercent\n"
-                                          "    Percent: 50\n") +
-                                   Action("    FileSpec: good.jpg\n    Quality: 0\n    OutputFormat: ifPNG\n"));
+  ZtResult R = RunZt(D.Path(),
+                     "actions:\n" +
+                         Action("    FileSpec: cut.jpg\n    FileNameSuffix: _t\n    ResizeMode: rmPercent\n"
+                                "    Percent: 50\n") +
+                         Action("    FileSpec: good.jpg\n    ResizeMode: rmPercent\n    Percent: 50\n") +
+                         Action("    FileSpec: named.jpg\n    FileNameSuffix: _t\n    ResizeMode: rmPercent\n"
+                                "    Percent: 50\n") +
+                         Action("    FileSpec: good.jpg\n    Quality: 0\n    OutputFormat: ifPNG\n"));
   const Lines Cut = StatusDetails(R, "1");
   ASSERT_EQ(Cut.size(), 4u);
   EXPECT_EQ(Cut[1], " --> Error Processing Image : cut.jpg");
@@ -149,10 +154,12 @@ TEST_F(ImagesEndToEnd, ValidateNamesEverySettingThatCannotWork) {
                      "actions:\n  - action: Image Manipulation\n    ResizeMode: rmFit\n    Quality: 101\n"
                      "  - action: Image Manipulation\n    FileSpec: a.jpg\n",
                      {}, "validate");
-  EXPECT_NE(R.Stdout.find("File Specification: The file spec has not been set"), std::string::npos) << R.Stdout;
+  EXPECT_NE(R.Stdout.find("File Specification: The file spec has not been set"), std::string::npos)
+      << R.Stdout;
   EXPECT_NE(R.Stdout.find("Width: Set a width or a height"), std::string::npos);
   EXPECT_NE(R.Stdout.find("Quality: The quality must be between 1 and 100"), std::string::npos);
-  EXPECT_NE(R.Stdout.find("Resize Mode: Nothing to do: choose a resize, rotation or output format"), std::string::npos);
+  EXPECT_NE(R.Stdout.find("Resize Mode: Nothing to do: choose a resize, rotation or output format"),
+            std::string::npos);
   EXPECT_EQ(R.ExitCode, 1);
 }
 

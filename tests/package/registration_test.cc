@@ -268,29 +268,28 @@ TEST(Registration, EveryTypeCreatesAnActionNamedAsRegistered) {
   }
 }
 
+// A stand-in as a type registered before it is built is declared.
+using package::MakePlaceholderClass;
+using package::TZTPlaceholderAction;
+ZT_PLACEHOLDER(TZTStandInForTests, "Stand-in for Tests")
+
 TEST(Registration, BuiltTypesReportAvailable) {
   EXPECT_TRUE(package::TDeleteFilesAction::ClassType().IsAvailable());
-  EXPECT_FALSE(package::TZTImagesAction::ClassType().IsAvailable());
+  EXPECT_FALSE(TZTStandInForTests::ClassType().IsAvailable());
   // Abstract classes cannot be created.
   EXPECT_EQ(package::TCustomRegAction::ClassType().Create, nullptr);
 }
 
-TEST(Registration, UnavailableTypeFailsWithOneLine) {
-  RecordingServices S = Register(false);
-  int Runs = 0;
-  for (const frame::TZTActionClass* C : S.ActionClasses) {
-    if (C->IsAvailable()) continue;
-    FakeHost Host;
-    std::unique_ptr<frame::TZTAction> A(C->Create());
-    A->SetHost(&Host);
-    A->SetTitle(C->GetActionName());
-    EXPECT_FALSE(A->Execute()) << C->ClassName;
-    EXPECT_EQ(Host.Messages, std::vector<std::string>{C->GetActionName() + " is not available yet"});
-    EXPECT_TRUE(Host.StatusEntries.empty());
-    EXPECT_TRUE(C->Properties().empty()) << C->ClassName;
-    ++Runs;
-  }
-  EXPECT_GT(Runs, 0);
+TEST(Registration, StandInFailsWithOneLine) {
+  const frame::TZTActionClass& C = TZTStandInForTests::ClassType();
+  FakeHost Host;
+  std::unique_ptr<frame::TZTAction> A(C.Create());
+  A->SetHost(&Host);
+  A->SetTitle(C.GetActionName());
+  EXPECT_FALSE(A->Execute());
+  EXPECT_EQ(Host.Messages, std::vector<std::string>{"Stand-in for Tests is not available yet"});
+  EXPECT_TRUE(Host.StatusEntries.empty());
+  EXPECT_TRUE(C.Properties().empty());
 }
 
 TEST(Registration, RegisterBeforeServicesAreSetDoesNothing) {

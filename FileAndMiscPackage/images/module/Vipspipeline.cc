@@ -3,12 +3,11 @@
 // while decoding; everything else loads, turns, flips and resizes. The
 // result is encoded in memory: the package writes it through a replacement
 // file, so a failure never leaves half an image.
-#include <vips/vips8>
-
 #include <algorithm>
 #include <cstring>
 #include <mutex>
 #include <string>
+#include <vips/vips8>
 
 #include "images/Imagesmodule.h"
 #include "images/Ztimagetypes.h"
@@ -38,7 +37,9 @@ bool Started(std::string& Error) {
 }
 
 bool Is(const TZTImageJob& Job, TZTResizeMode Mode) { return Job.ResizeMode == static_cast<int>(Mode); }
-bool Is(const TZTImageJob& Job, TZTImageRotation Rotation) { return Job.Rotation == static_cast<int>(Rotation); }
+bool Is(const TZTImageJob& Job, TZTImageRotation Rotation) {
+  return Job.Rotation == static_cast<int>(Rotation);
+}
 
 bool SuffixIs(const TZTImageJob& Job, std::initializer_list<const char*> Suffixes) {
   return std::any_of(Suffixes.begin(), Suffixes.end(),
@@ -66,7 +67,8 @@ VImage Thumbnail(const TZTImageJob& Job) {
 
 // Scale factors of the other resize modes for an image of W x H.
 void Scales(const TZTImageJob& Job, int W, int H, double& HScale, double& VScale) {
-  const double SX = Job.Width > 0 ? double(Job.Width) / W : 0, SY = Job.Height > 0 ? double(Job.Height) / H : 0;
+  const double SX = Job.Width > 0 ? double(Job.Width) / W : 0,
+               SY = Job.Height > 0 ? double(Job.Height) / H : 0;
   if (Is(Job, TZTResizeMode::rmPercent)) {
     HScale = VScale = Job.Percent / 100.0;
   } else if (Is(Job, TZTResizeMode::rmStretch) && SX > 0 && SY > 0) {
@@ -92,10 +94,14 @@ VImage LoadAndTransform(const TZTImageJob& Job) {
       Job.Source, VImage::option()
                       ->set("access", InOrder ? VIPS_ACCESS_SEQUENTIAL : VIPS_ACCESS_RANDOM)
                       ->set("fail_on", VIPS_FAIL_ON_ERROR));
-  if (Is(Job, TZTImageRotation::irAuto)) Image = Image.autorot();
-  else if (Is(Job, TZTImageRotation::ir90)) Image = Image.rot(VIPS_ANGLE_D90);
-  else if (Is(Job, TZTImageRotation::ir180)) Image = Image.rot(VIPS_ANGLE_D180);
-  else if (Is(Job, TZTImageRotation::ir270)) Image = Image.rot(VIPS_ANGLE_D270);
+  if (Is(Job, TZTImageRotation::irAuto))
+    Image = Image.autorot();
+  else if (Is(Job, TZTImageRotation::ir90))
+    Image = Image.rot(VIPS_ANGLE_D90);
+  else if (Is(Job, TZTImageRotation::ir180))
+    Image = Image.rot(VIPS_ANGLE_D180);
+  else if (Is(Job, TZTImageRotation::ir270))
+    Image = Image.rot(VIPS_ANGLE_D270);
   Image = Flipped(Image, Job);
   if (Is(Job, TZTResizeMode::rmNone)) return Image;
   double HScale = 1, VScale = 1;
@@ -110,7 +116,8 @@ VImage LoadAndTransform(const TZTImageJob& Job) {
 
 void Save(VImage Image, const TZTImageJob& Job, TZTImageResult& Result) {
   const bool Jpeg = SuffixIs(Job, {".jpg", ".jpeg", ".jpe", ".jfif"});
-  if (Image.has_alpha() && (Jpeg || SuffixIs(Job, {".bmp"}))) Image = Image.flatten(VImage::option()->set("background", 255.0));
+  if (Image.has_alpha() && (Jpeg || SuffixIs(Job, {".bmp"})))
+    Image = Image.flatten(VImage::option()->set("background", 255.0));
   VOption* Options = VImage::option()->set("strip", Job.StripMetadata);
   if (Jpeg || SuffixIs(Job, {".webp"})) Options->set("Q", Job.Quality);
   if (Jpeg || SuffixIs(Job, {".png"})) Options->set("interlace", Job.Progressive);
@@ -126,9 +133,12 @@ void SetError(TZTImageResult& Result, const std::string& Text) {
 
 }  // namespace
 
-extern "C" __attribute__((visibility("default"))) int ZTImagesVersion() { return zt::package::kImagesModuleVersion; }
+extern "C" __attribute__((visibility("default"))) int ZTImagesVersion() {
+  return zt::package::kImagesModuleVersion;
+}
 
-extern "C" __attribute__((visibility("default"))) bool ZTImagesProcess(const TZTImageJob* Job, TZTImageResult* Result) {
+extern "C" __attribute__((visibility("default"))) bool ZTImagesProcess(const TZTImageJob* Job,
+                                                                       TZTImageResult* Result) {
   *Result = {};
   std::string Error;
   if (!Started(Error)) {
