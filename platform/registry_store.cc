@@ -303,6 +303,10 @@ TRegistryDocument TRegistryDocument::Parse(const std::string& Text, const std::s
   } catch (const Json::parse_error& E) {
     throw ERegistryStoreError(FileName + ":" + LineAndColumn(Text, E.byte) +
                               ": not valid JSON: " + ParserWords(E.what()));
+  } catch (const Json::exception& E) {  // a number beyond a double, which has no place to report
+    const std::string What = E.what();
+    const std::size_t At = What.find("] ");
+    throw ERegistryStoreError(FileName + ": not valid JSON: " + (At == std::string::npos ? What : What.substr(At + 2)));
   }
   if (!Doc.is_object())
     Fail(FileName, "the top level",

@@ -93,6 +93,7 @@ TEST_F(StoreTest, CorruptStoreIsNamedWithItsPlaceAndNeverWritten) {
        ": key \"HKEY_CURRENT_USER\\A\", value \"n\": REG_BINARY data must be a string of hexadecimal byte "
        "pairs, "
        "as \"0a1b\""},
+      {"{" + Key + ": {\"n\": 1E999}}", ": not valid JSON: number overflow parsing '1E999'"},
       {"{" + Key + ": {\"n\": {\"type\": \"REG_SZ\"}}}",
        ": key \"HKEY_CURRENT_USER\\A\", value \"n\": \"data\" is missing"},
   };
