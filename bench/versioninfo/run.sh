@@ -11,7 +11,7 @@
 set -euo pipefail
 
 ROOT=$(cd "$(dirname "$0")/../.." && pwd)
-BUILD=${1:-$ROOT/build/bench}
+BUILD=$(realpath -m "${1:-$ROOT/build/bench}")
 N=${N:-1000}
 if [[ ! -x $BUILD/zt || ! -x $BUILD/bench/versioninfo/versioninfo_bench ]]; then
   cmake -S "$ROOT" -B "$BUILD" -DCMAKE_BUILD_TYPE=Release -DZT_BUILD_TESTS=OFF >/dev/null
@@ -48,7 +48,7 @@ best() {  # best of three wall-clock times of COMMAND..., in seconds
 }
 
 reader=$("$DRIVER" read libs "$N")
-"$ZT" run extract.yml --quiet || { echo "zt failed on the libraries" >&2; exit 1; }
+"$ZT" run extract.yml --quiet >/dev/null || { echo "zt failed on the libraries" >&2; exit 1; }
 with=$(best "$ZT" run extract.yml --quiet)
 without=$(best "$ZT" run baseline.yml --quiet)
 echo "Extract Version Info over $N libraries (aim: 0.2 ms per file)"
