@@ -3,11 +3,11 @@
 #include <memory>
 
 #include "frame/ZTUtils.h"
-#include "platform/command_line.h"
 #include "platform/paths.h"
 #include "platform/system_paths.h"
 #include "platform/tools/robocopy.h"
 #include "system/Ztrobocopyoptions.h"
+#include "system/Zttoolengine.h"
 
 namespace zt::package {
 
@@ -26,40 +26,6 @@ namespace {
 const std::vector<std::string> kAttributeNames = {"raReadOnly",   "raArchive",   "raSystem",
                                                   "raHidden",     "raCompressed", "raNotIndexed",
                                                   "raEncrypted",  "raTemporary", "raOffline"};
-
-// Records the arguments for the built-in engine, keeping paths and switches
-// apart: a path is never read as a switch, whatever it starts with.
-class TRecordingBuilder : public frame::ICommandLineBuilder {
- public:
-  frame::IArgumentPtr AddArgument(const std::string& Name, const std::string& Value, int Kind) override {
-    if (Kind == frame::akLiteral) {
-      for (std::string& A : pf::SplitCommandLine(Name)) Args.push_back(std::move(A));
-    } else if (Kind == frame::akSwitchValue) {
-      Args.push_back(Name + Value);
-    } else {
-      if (!Name.empty()) Args.push_back(Name);
-      if (!Value.empty()) Args.push_back(Value);
-    }
-    return nullptr;
-  }
-  std::string GetCommandLineText() const override {
-    std::string Text;
-    for (const std::string& A : Args) Text += (Text.empty() ? "" : " ") + pf::QuoteArgument(A);
-    return Text;
-  }
-  std::vector<std::string> Args;
-};
-
-class TActionOutput : public pf::IToolOutput {
- public:
-  explicit TActionOutput(TZTCustomRobocopyAction& A) : A_(A) {}
-  void Line(const std::string& Text) override { A_.SendMessage(Text); }
-  void Progress(const std::string& Text, int Percent) override { A_.SendProgress(Text, Percent); }
-  bool StopRequested() override { return A_.StopSignalled(); }
-
- private:
-  TZTCustomRobocopyAction& A_;
-};
 
 void Flag(frame::ICommandLineBuilder& B, const char* Switch, bool When = true) {
   if (When) B.AddArgument(Switch, "", frame::akSwitchOrPath);
@@ -202,18 +168,9 @@ bool TZTCustomRobocopyAction::Execute() {
     SendMessage("The system robocopy tool is not available here; using the built-in engine");
 #endif
   }
-  TRecordingBuilder Builder;
-  BeforeGetCommandLine();
-  const bool Ok = GetCommandLine(Builder);
-  AfterGetCommandLine();
-  if (!Ok) return false;
-  BeforeExecute(Builder);
-  TActionOutput Out(*this);
-  const int Code = pf::RunRobocopy(Builder.Args, Out, &FTerminate);
-  const bool Success = InterpretResult(Code);
-  if (Success) OnSuccess();
-  else OnFailure(Code);
-  return Success;
+  return RunWithBuiltInTool(*this, [this](const std::vector<std::string>& Args, pf::IToolOutput& Out) {
+    return pf::RunRobocopy(Args, Out, &FTerminate);
+  });
 }
 
 void TZTCustomRobocopyAction::TerminateAction() {

@@ -1,5 +1,6 @@
 #include "system/Ztxcopyaction.h"
 
+#include <atomic>
 #include <cmath>
 #include <stdexcept>
 
@@ -7,6 +8,8 @@
 #include "platform/files.h"
 #include "platform/paths.h"
 #include "platform/system_paths.h"
+#include "platform/tools/xcopy.h"
+#include "system/Zttoolengine.h"
 
 namespace zt::package {
 
@@ -52,7 +55,20 @@ bool TZTXCopyAction::Execute() {
     TZTXCopyAction& Self;
     ~Cleanup() { Self.RemoveExclusionFile(); }
   } Guard{*this};
+  std::atomic_ref<pf::BOOL>(FTerminate).store(0);
+#ifdef _WIN32
   return inherited::Execute();
+#else
+  // No xcopy here: the built-in one takes the same arguments.
+  return RunWithBuiltInTool(*this, [this](const std::vector<std::string>& Args, pf::IToolOutput& Out) {
+    return pf::RunXCopy(Args, Out, &FTerminate);
+  });
+#endif
+}
+
+void TZTXCopyAction::TerminateAction() {
+  std::atomic_ref<pf::BOOL>(FTerminate).store(1);
+  inherited::TerminateAction();
 }
 
 std::string TZTXCopyAction::GetExecutable() {

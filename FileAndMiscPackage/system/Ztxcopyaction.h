@@ -1,5 +1,5 @@
-// "XCopy": copies files and directory trees with the system's xcopy tool.
-// The properties become xcopy switches; an exclusion list goes into a
+// "XCopy": copies files and directory trees with the system's xcopy tool
+// (where there is none, with the layer's built-in xcopy). The properties become xcopy switches; an exclusion list goes into a
 // temporary file that is removed when the run ends, whatever happened.
 #pragma once
 
@@ -23,6 +23,7 @@ class TZTXCopyAction : public frame::TZTExecuteAbstractAction {
   static void Publish(frame::TZTPublisher<TZTXCopyAction>& P);
   // Also removes the exclusion file when the program could not be started.
   bool Execute() override;
+  void TerminateAction() override;
   bool GetCommandLine(frame::ICommandLineBuilder& Builder) override;
   std::string GetExecutable() override;
   std::string GetStartingDir(const std::string& Default) override;
@@ -86,6 +87,7 @@ class TZTXCopyAction : public frame::TZTExecuteAbstractAction {
        FCopyFileAuditSettings = false, FCopyEncryptedIfNotSupportedInDest = false, FCopyEmptyDirectories = false;
   platform::TDateTime FChangedAfterDate;
   std::string FTempFileName;
+  platform::BOOL FTerminate = 0;  // the built-in xcopy's cancel flag; written through std::atomic_ref
 };
 
 // FormatDateTime("m-d-yyyy"): 5 March 2024 gives "3-5-2024".

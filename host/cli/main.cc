@@ -16,10 +16,11 @@ using namespace zt::host;
 
 int main(int argc, char** argv) {
   const std::vector<std::string> Commands = {"run",      "validate", "describe", "actions",
-                                             "help",     "registry", "robocopy"};
+                                             "help",     "registry", "robocopy", "xcopy"};
   // The built-in copy tools take their own switches ("/MIR"): everything
   // after the command is theirs.
   if (argc > 1 && std::string(argv[1]) == "robocopy") return RobocopyCommand({argv + 2, argv + argc});
+  if (argc > 1 && std::string(argv[1]) == "xcopy") return XCopyCommand({argv + 2, argv + argc});
   if (argc > 1 && argv[1][0] != '-') {
     std::string Word = argv[1];
     if (std::find(Commands.begin(), Commands.end(), Word) == Commands.end()) {
@@ -35,6 +36,7 @@ int main(int argc, char** argv) {
       "  zt help \"Copy File(s)\"\n"
       "  zt registry import settings.reg\n"
       "  zt robocopy build/out /srv/share/out /MIR     (the built-in robocopy; its own exit codes)\n"
+      "  zt xcopy src out /S /I /Y                     (the built-in xcopy; its own exit codes)\n"
       "\n"
       "Exit codes: 0 success; 1 the build failed (validate: errors found); 2 the project could not be\n"
       "loaded or the command line is wrong; 130 stopped (Ctrl+C).");

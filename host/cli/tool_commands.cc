@@ -6,6 +6,7 @@
 #include "host/run/stop_signal.h"
 #include "platform/stop.h"
 #include "platform/tools/robocopy.h"
+#include "platform/tools/xcopy.h"
 
 namespace zt::host {
 
@@ -38,6 +39,12 @@ int RunTool(Tool&& Run) {
 int RobocopyCommand(const std::vector<std::string>& Args) {
   return RunTool([&Args](platform::IToolOutput& Out, platform::BOOL* Cancel) {
     return platform::RunRobocopy(Args, Out, Cancel);
+  });
+}
+
+int XCopyCommand(const std::vector<std::string>& Args) {
+  return RunTool([&Args](platform::IToolOutput& Out, platform::BOOL* Cancel) {
+    return platform::RunXCopy(Args, Out, Cancel);
   });
 }
 

@@ -9,5 +9,6 @@
 namespace zt::host {
 
 int RobocopyCommand(const std::vector<std::string>& Args);
+int XCopyCommand(const std::vector<std::string>& Args);
 
 }  // namespace zt::host

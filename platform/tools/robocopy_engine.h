@@ -68,6 +68,9 @@ struct TRobocopyJob {
   bool DeleteSource = false;    // /MOV once the destination holds the file
 };
 
+// The entries of Dir (with a trailing delimiter), "." and ".." left out;
+// shared with the built-in xcopy.
+std::vector<TRobocopyEntry> ListDirectory(const std::string& Dir);
 // The path with links and "." / ".." resolved (as far as it exists).
 std::string CanonicalPath(const std::string& Path);
 // True when Inner is Outer or lies below it (both canonical).

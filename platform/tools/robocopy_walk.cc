@@ -20,18 +20,6 @@ constexpr DWORD kRASH = FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_ARCHIVE | FILE_
 constexpr TFileTime kTwoSeconds = 20000000;
 constexpr TFileTime kOneHour = 36000000000LL;
 
-std::vector<TRobocopyEntry> List(const std::string& Dir) {
-  std::vector<TRobocopyEntry> Entries;
-  TSearchRec F;
-  if (FindFirst(Dir + "*", faAnyFile, F) != 0) return Entries;
-  do {
-    if (F.Name == "." || F.Name == "..") continue;
-    Entries.push_back({F.Name, F.Attr, F.Size, F.LastWriteTime});
-  } while (FindNext(F) == 0);
-  FindClose(F);
-  return Entries;
-}
-
 // Names as the file system compares them.
 std::string NameKey(const std::string& Name) {
 #ifdef _WIN32
@@ -66,6 +54,18 @@ std::string Lower(std::string S) {
 }
 
 }  // namespace
+
+std::vector<TRobocopyEntry> ListDirectory(const std::string& Dir) {
+  std::vector<TRobocopyEntry> Entries;
+  TSearchRec F;
+  if (FindFirst(Dir + "*", faAnyFile, F) != 0) return Entries;
+  do {
+    if (F.Name == "." || F.Name == "..") continue;
+    Entries.push_back({F.Name, F.Attr, F.Size, F.LastWriteTime});
+  } while (FindNext(F) == 0);
+  FindClose(F);
+  return Entries;
+}
 
 bool TRobocopyEngine::Selected(const Entry& E, const std::string& FullPath) const {
   bool Pattern = S_.Files.empty() && MatchesWildcard(E.Name, "*.*");
@@ -161,8 +161,8 @@ void TRobocopyEngine::Walk(const std::string& Rel, int Level, bool DestExists) {
     std::lock_guard<std::mutex> L(CountMutex_);
     ++Dirs_.Total;
   }
-  const std::vector<Entry> Source = List(SourceDir_ + Rel);
-  const std::vector<Entry> Dest = DestExists ? List(DestDir_ + Rel) : std::vector<Entry>{};
+  const std::vector<Entry> Source = ListDirectory(SourceDir_ + Rel);
+  const std::vector<Entry> Dest = DestExists ? ListDirectory(DestDir_ + Rel) : std::vector<Entry>{};
   std::unordered_map<std::string, const Entry*> AtDest;
   for (const Entry& E : Dest) AtDest.emplace(NameKey(E.Name), &E);
   const bool WalkDirs = S_.SubDirs && (S_.Levels == 0 || Level < S_.Levels);

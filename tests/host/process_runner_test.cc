@@ -1,6 +1,6 @@
 // The process base's own judgement and failure line, which actions keep
 // unless they override them (no registered type on this platform reaches
-// them through zt: "XCopy" cannot start here).
+// them through zt: "XCopy" runs the built-in xcopy here).
 #include "host/run/process_runner.h"
 
 #include <string>
