@@ -138,6 +138,10 @@ actions:
     FileSetName: Nope
     TargetDir: flat
     ignoreFailure: true
+  - action: FileSet Copy/Move
+    FileSetName: All
+    TargetDir: "%NOPE%/out"
+    ignoreFailure: true
 )");
   EXPECT_EQ(ActionResult(R, "1"), "ignored");
   EXPECT_EQ(StatusDetails(R, "1"), (Lines{"Copying file set All -> out",
@@ -148,6 +152,7 @@ actions:
                                     " --> Two files of the set have the same name : x.txt", "0 Files Copied."}));
   EXPECT_FALSE(fs::exists(D / "flat"));
   EXPECT_EQ(Messages(R, "3"), (Lines{"Could not find FileSet: Nope"}));
+  EXPECT_EQ(Messages(R, "4"), (Lines{"Cannot expand Destination Directory: variable \"NOPE\" is not defined"}));
 
   R = RunZt(D.Path(), "actions:\n  - action: FileSet Copy/Move\n", {}, "validate");
   EXPECT_EQ(R.Stdout, "1 FileSet Copy/Move: File Set: A File Set must be provided\n"

@@ -29,6 +29,8 @@ TEST(VersionInfoEndToEnd, ReadsVersionsAndStringsOfPE32AndPE32PlusImages) {
   const std::vector<TVersionTable> Both = {{"040904b0", {{"FileVersion", "en"}}}, {"040704B0", {{"FileVersion", "de"}}}};
   D.Write("app64.exe", PEImage(true, {{0x0409, VersionResource({9, 0, 0, 1}, {9, 0, 0, 0}, Both, {0x040704B0})},
                                       {0x0407, VersionResource({9, 0, 0, 2}, {9, 0, 0, 0}, Both, {0x040704B0})}}));
+  // No translation: the first table.
+  D.Write("plain.dll", PEImage(false, {{0x0409, VersionResource({1, 0, 0, 0}, {1, 0, 0, 0}, Both, {})}}));
   ZtResult R = RunZt(D.Path(), R"(actions:
   - action: Extract Version Info
     FileName: app32.dll
@@ -64,6 +66,11 @@ TEST(VersionInfoEndToEnd, ReadsVersionsAndStringsOfPE32AndPE32PlusImages) {
     ZTVariable: DE
     VersionSource: vsProductVersionString
     ignoreFailure: true
+  - action: Extract Version Info
+    FileName: plain.dll
+    ZTVariable: FIRST
+    VersionSource: vsFileVersionString
+    Language: "0C0A"
 )");
   EXPECT_EQ(Messages(R, "1"), (Lines{"Version of app32.dll is 1.2.3.4", "CompanyName = Acme \xC2\xA9 2024 \xF0\x9F\x9A\x80",
                                      "Version string not found : LegalTrademarks"}));
@@ -83,6 +90,7 @@ TEST(VersionInfoEndToEnd, ReadsVersionsAndStringsOfPE32AndPE32PlusImages) {
   EXPECT_EQ(V["EN"], "en");    // the English resource's English table
   EXPECT_EQ(V["ENBU"], 1);
   EXPECT_EQ(V["DE"], "");
+  EXPECT_EQ(V["FIRST"], "en");
 }
 
 TEST(VersionInfoEndToEnd, FilesWithoutUsableVersionInformationGiveTheirOwnLine) {
