@@ -289,10 +289,11 @@ bool TRobocopyEngine::DeleteTree(const std::string& Path, std::uint64_t Slot) {
       FindClose(F);
     }
     bool Ok = true;
-    for (const auto& [Child, Dir] : Children) {
+    for (const auto& Entry : Children) {
+      const std::string& Child = Entry.first;  // a named variable: clang's lambdas cannot capture a binding
       if (Stopped()) return false;
-      Ok = (Dir ? DeleteTree(Child, Slot)
-                : Retry("Deleting", Child, Slot, [&Child] { return DeleteFileForce(Child); })) && Ok;
+      Ok = (Entry.second ? DeleteTree(Child, Slot)
+                         : Retry("Deleting", Child, Slot, [&Child] { return DeleteFileForce(Child); })) && Ok;
     }
     if (!Ok) return false;
     if (A & FILE_ATTRIBUTE_READONLY) SetFileAttributesA(Path, A & ~FILE_ATTRIBUTE_READONLY);
