@@ -2,17 +2,21 @@
 
 #include <fcntl.h>
 #include <poll.h>
+#include <signal.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <signal.h>
-
+#include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <fstream>
-#include <thread>
-#include <sstream>
 #include <stdexcept>
+#include <thread>
+
+#include <gtest/gtest.h>
+
+#include "support/Files.h"
+#include "support/TempDir.h"
 
 namespace zt::testing {
 
@@ -37,13 +41,6 @@ void Drain(int OutFd, int ErrFd, std::string& Out, std::string& Err) {
       }
     }
   }
-}
-
-std::string ReadText(const std::string& Path) {
-  std::ifstream In(Path);
-  std::stringstream S;
-  S << In.rdbuf();
-  return S.str();
 }
 
 // Sends Signal to Pid once the file at LogPath contains Needle (or the child
@@ -174,10 +171,61 @@ std::vector<std::string> Messages(const ZtResult& R, const std::string& Id) {
   return Lines;
 }
 
+std::vector<std::string> HostLines(const ZtResult& R, const std::string& Id) {
+  std::vector<std::string> Lines;
+  for (const auto& E : R.Events)
+    if (IsEventOf(E, "message", Id) && E.value("host", false)) Lines.push_back(E.value("text", ""));
+  return Lines;
+}
+
+std::vector<std::string> Passes(const ZtResult& R, const std::string& Id) {
+  std::vector<std::string> P;
+  for (const auto& E : R.Events)
+    if (IsEventOf(E, "iteration", Id)) {
+      std::string S = std::to_string(E["index"].get<int>()) + "/" + std::to_string(E["count"].get<int>());
+      if (E.contains("value")) S += "=" + E["value"].get<std::string>();
+      P.push_back(S);
+    }
+  return P;
+}
+
+nlohmann::json FinalValue(const ZtResult& R, const std::string& Name) {
+  const nlohmann::json Values = FinalVariables(R);
+  return Values.is_object() ? Values.value(Name, nlohmann::json()) : nlohmann::json();
+}
+
 std::string ActionResult(const ZtResult& R, const std::string& Id) {
   for (const auto& E : R.Events)
     if (IsEventOf(E, "action-end", Id)) return E.value("result", "");
   return "";
+}
+
+std::vector<std::string> Said(const ZtResult& R, const std::string& Id) {
+  std::vector<std::string> Lines;
+  for (const auto& E : R.Events) {
+    if (IsEventOf(E, "message", Id)) Lines.push_back(E.value("text", ""));
+    if (!IsEventOf(E, "status", Id)) continue;
+    if (!E.value("text", "").empty()) Lines.push_back(E.value("text", ""));
+    for (const auto& D : E.value("details", nlohmann::json::array())) Lines.push_back(D.get<std::string>());
+  }
+  return Lines;
+}
+
+void ExpectCases(const std::vector<ActionCase>& Cases, const std::vector<std::string>& ExtraArgs) {
+  for (const ActionCase& C : Cases) {
+    SCOPED_TRACE(C.Action);
+    TempDir D;
+    MakeTree(D.Path(), C.Before);
+    const ZtResult R = RunZt(D.Path(), "actions:\n  - {" + C.Action + "}\n", ExtraArgs);
+    EXPECT_EQ(Said(R, "1"), C.Log) << R.Stderr;
+    EXPECT_EQ(ActionResult(R, "1"), C.Result);
+    std::vector<std::string> After = Tree(D.Path());
+    std::erase_if(After, [](const std::string& L) { return L.starts_with("project.yml=") || L.starts_with("log.jsonl="); });
+    std::vector<std::string> Expected = C.After;
+    std::sort(Expected.begin(), Expected.end());
+    EXPECT_EQ(After, Expected);
+    if (!C.Variables.empty()) EXPECT_EQ(FinalVariables(R), nlohmann::json::parse(C.Variables));
+  }
 }
 
 }  // namespace zt::testing

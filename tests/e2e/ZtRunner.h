@@ -39,8 +39,31 @@ std::vector<std::string> StatusTexts(const ZtResult& R, const std::string& Id);
 nlohmann::json FinalVariables(const ZtResult& R);
 // `message` texts of action Id (host lines included), in order.
 std::vector<std::string> Messages(const ZtResult& R, const std::string& Id);
+// The host's own `message` texts (host: true) of action Id, in order.
+std::vector<std::string> HostLines(const ZtResult& R, const std::string& Id);
+// The `iteration` events of loop Id as "index/count=value" ("index/count"
+// when the event has no value), in order.
+std::vector<std::string> Passes(const ZtResult& R, const std::string& Id);
+// The value of variable Name in the build's `variables` event (null if none).
+nlohmann::json FinalValue(const ZtResult& R, const std::string& Name);
 // `result` of the action-end event of action Id, "" if there is none.
 std::string ActionResult(const ZtResult& R, const std::string& Id);
+// Every line action Id wrote, in log order: a status entry's own text (when
+// it has one) and its details, and each message (the host's included).
+std::vector<std::string> Said(const ZtResult& R, const std::string& Id);
+
+// One action that zt runs alone in a fresh folder.
+struct ActionCase {
+  std::string Action;               // its settings in flow style: "action: Delete File(s), FileSpec: a.txt"
+  std::vector<std::string> Before;  // the folder's files before the run, as MakeTree reads them
+  std::vector<std::string> Log;     // Said() of the action
+  std::string Result;               // "success" or "failure"
+  std::vector<std::string> After;   // Tree() of the folder afterwards, zt's project and log left out
+  std::string Variables = "";       // when given, the build's final variables as JSON
+};
+// Runs every case (with ExtraArgs on zt's command line) and checks each
+// one's log, result and files.
+void ExpectCases(const std::vector<ActionCase>& Cases, const std::vector<std::string>& ExtraArgs = {});
 
 // Path of the zt executable under test.
 std::string ZtPath();

@@ -1,12 +1,14 @@
-// "Calculate File CRC32" and "Calculate File MD5" run through zt: messages,
-// results, exit codes, the variables they leave, and validation.
-#include <fstream>
+// "Calculate File CRC32" and "Calculate File MD5" through zt: the lines, the
+// result and the variable each run leaves, one row per rule; a file another
+// program is writing; validation.
 #include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
 
 #include "ZtRunner.h"
+#include "support/Files.h"
+#include "support/Processes.h"
 #include "support/TempDir.h"
 
 namespace zt::testing {
@@ -14,80 +16,103 @@ namespace {
 
 using Lines = std::vector<std::string>;
 
-void Write(const std::string& Path, const std::string& Contents) { std::ofstream(Path, std::ios::binary) << Contents; }
+// Files and their checksums (from zlib and coreutils).
+const Lines kFiles = {"check.txt=123456789", "copy.txt=123456789", "first=first", "second=second",
+                      "empty=", "ones=x|\xe9#s", "small=y\xd9" "a:\xc7"};
+const std::string kCheckMD5 = "25F9E794323B453885F5181F1B624D0B";  // of "123456789"
 
-TEST(ChecksumsEndToEnd, ChecksumsGoToTheLogAndIntoVariables) {
-  TempDir Dir;
-  Write(Dir / "check.txt", "123456789");
-  Write(Dir / "copy.txt", "123456789");
-  ZtResult R = RunZt(Dir.Path(), R"(name: Sums
-variables:
-  SRC: check.txt
-actions:
-  - action: Calculate File CRC32
-    FileName: "%SRC%"
-    ZTVariable: CRC
-    FailIfDiffToCRC: true
-    CompareToCRC: "$CBF43926"
-  - action: TZTFileCRCAction
-    FileName: check.txt
-    ZTVariable: CRC_DEC
-    UseDecimal: true
-    FailIfDiffToFile: true
-    CompareToFile: copy.txt
-  - action: Calculate File MD5
-    FileName: "%SRC%"
-    ZTVariable: MD5
-    FailIfDiffToMD5: true
-    CompareToMD5: 25f9e794323b453885f5181f1b624d0b
-)");
-  EXPECT_EQ(R.ExitCode, 0) << R.Stderr;
-  EXPECT_EQ(Messages(R, "1"), (Lines{"CRC32 for check.txt is $CBF43926", "CRC matches."}));
-  EXPECT_EQ(Messages(R, "2"), (Lines{"CRC32 for check.txt is 3421780262", "CRC matches file: copy.txt"}));
-  EXPECT_EQ(Messages(R, "3"), (Lines{"MD5 for check.txt is 25F9E794323B453885F5181F1B624D0B", "MD5 matches."}));
-  EXPECT_EQ(FinalVariables(R), nlohmann::json::parse(R"({"SRC":"check.txt","CRC":"$CBF43926",
-      "CRC_DEC":"3421780262","MD5":"25F9E794323B453885F5181F1B624D0B"})"));
+TEST(ChecksumsEndToEnd, CRC32Rules) {
+  const std::string Crc = "action: Calculate File CRC32, ";
+  const std::string Said = "CRC32 for check.txt is $CBF43926";
+  ExpectCases(
+      {
+          {Crc + "FileName: check.txt", kFiles, {Said}, "success", kFiles, R"({"DIR": "."})"},
+          {Crc + "FileName: '%DIR%/check.txt', ZTVariable: Sum", kFiles, {Said}, "success", kFiles,
+           R"({"DIR": ".", "Sum": "$CBF43926"})"},
+          {Crc + "FileName: empty, ZTVariable: Sum", kFiles, {"CRC32 for empty is $00000000"}, "success", kFiles,
+           R"({"DIR": ".", "Sum": "$00000000"})"},
+          {Crc + "FileName: small", kFiles, {"CRC32 for small is $0000ABCD"}, "success", kFiles},
+          // Decimal: unsigned, without leading zeros.
+          {Crc + "FileName: empty, UseDecimal: true", kFiles, {"CRC32 for empty is 0"}, "success", kFiles},
+          {Crc + "FileName: ones, UseDecimal: true", kFiles, {"CRC32 for ones is 4294967295"}, "success", kFiles},
+          {Crc + "FileName: small, UseDecimal: true", kFiles, {"CRC32 for small is 43981"}, "success", kFiles},
+          {Crc + "FileName: nowhere.bin, ZTVariable: Sum", {}, {"ERROR - File missing: nowhere.bin"}, "failure", {},
+           R"({"DIR": "."})"},
+          {Crc + "FileName: '%UNDEFINED%/a.bin'", {}, {"Cannot expand FileName: variable \"UNDEFINED\" is not defined"},
+           "failure", {}},
+          // A second file, then an expected value, in that order.
+          {Crc + "FileName: check.txt, FailIfDiffToFile: true, CompareToFile: copy.txt", kFiles,
+           {Said, "CRC matches file: copy.txt"}, "success", kFiles},
+          {Crc + "FileName: first, ZTVariable: Sum, FailIfDiffToFile: true, CompareToFile: second", kFiles,
+           {"CRC32 for first is $9271EE57", "CRC don't match", "File 2 CRC: $B61F1169"}, "failure", kFiles,
+           R"({"DIR": ".", "Sum": "$9271EE57"})"},
+          {Crc + "FileName: check.txt, FailIfDiffToFile: true, CompareToFile: gone", kFiles,
+           {Said, "ERROR - File missing: gone"}, "failure", kFiles},
+          {Crc + "FileName: check.txt, FailIfDiffToFile: true, CompareToFile: '%NOPE%'", kFiles,
+           {Said, "Cannot expand Compare to File: variable \"NOPE\" is not defined"}, "failure", kFiles},
+          {Crc + "FileName: check.txt, FailIfDiffToCRC: true, CompareToCRC: $CBF43926", kFiles, {Said, "CRC matches."},
+           "success", kFiles},
+          {Crc + "FileName: check.txt, FailIfDiffToCRC: true, CompareToCRC: $cbf43926", kFiles,
+           {Said, "CRC don't match", "Compare to CRC: $cbf43926"}, "failure", kFiles},
+          {Crc + "FileName: check.txt, FailIfDiffToCRC: true, CompareToCRC: '3421780262'", kFiles,
+           {Said, "CRC don't match", "Compare to CRC: 3421780262"}, "failure", kFiles},
+          {Crc + "FileName: check.txt, UseDecimal: true, FailIfDiffToCRC: true, CompareToCRC: '3421780262'", kFiles,
+           {"CRC32 for check.txt is 3421780262", "CRC matches."}, "success", kFiles},
+          {Crc + "FileName: check.txt, FailIfDiffToFile: true, CompareToFile: copy.txt, FailIfDiffToCRC: true, "
+                 "CompareToCRC: $00000000",
+           kFiles, {Said, "CRC matches file: copy.txt", "CRC don't match", "Compare to CRC: $00000000"}, "failure",
+           kFiles},
+      },
+      {"--var", "DIR=."});
 }
 
-TEST(ChecksumsEndToEnd, MismatchFailsTheBuildUnlessIgnored) {
-  TempDir Dir;
-  Write(Dir / "a.bin", "first");
-  Write(Dir / "b.bin", "second");
-  ZtResult R = RunZt(Dir.Path(), R"(actions:
-  - action: Calculate File CRC32
-    FileName: a.bin
-    FailIfDiffToCRC: true
-    CompareToCRC: "$cbf43926"
-    ignoreFailure: true
-  - action: Calculate File MD5
-    FileName: a.bin
-    FailIfDiffToFile: true
-    CompareToFile: b.bin
-  - action: Calculate File MD5
-    FileName: a.bin
+TEST(ChecksumsEndToEnd, MD5Rules) {
+  const std::string Md5 = "action: Calculate File MD5, ";
+  const std::string Said = "MD5 for check.txt is " + kCheckMD5;
+  ExpectCases({
+      {Md5 + "FileName: check.txt, ZTVariable: Digest", kFiles, {Said}, "success", kFiles,
+       R"({"Digest": ")" + kCheckMD5 + "\"}"},
+      {Md5 + "FileName: empty", kFiles, {"MD5 for empty is D41D8CD98F00B204E9800998ECF8427E"}, "success", kFiles},
+      {Md5 + "FileName: missing.txt", {}, {"ERROR - File missing: missing.txt"}, "failure", {}},
+      {Md5 + "FileName: '%NOPE%'", {}, {"Cannot expand FileName: variable \"NOPE\" is not defined"}, "failure", {}},
+      {Md5 + "FileName: check.txt, FailIfDiffToFile: true, CompareToFile: copy.txt", kFiles,
+       {Said, "MD5 matches file: copy.txt"}, "success", kFiles},
+      {Md5 + "FileName: first, FailIfDiffToFile: true, CompareToFile: second", kFiles,
+       {"MD5 for first is 8B04D5E3775D298E78455EFC5CA404D5", "MD5 don't match",
+        "File 2 MD5: A9F0E61A137D86AA9DB53465E0801612"},
+       "failure", kFiles},
+      {Md5 + "FileName: check.txt, FailIfDiffToFile: true, CompareToFile: b.txt", kFiles,
+       {Said, "ERROR - File missing: b.txt"}, "failure", kFiles},
+      // The expected digest in any letter case.
+      {Md5 + "FileName: check.txt, FailIfDiffToMD5: true, CompareToMD5: 25f9e794323b453885f5181f1b624d0B", kFiles,
+       {Said, "MD5 matches."}, "success", kFiles},
+      {Md5 + "FileName: check.txt, FailIfDiffToMD5: true, CompareToMD5: 25f9e794323b453885f5181f1b624d0", kFiles,
+       {Said, "MD5 don't match", "Compare to MD5: 25f9e794323b453885f5181f1b624d0"}, "failure", kFiles},
+      {Md5 + "FileName: check.txt, FailIfDiffToFile: true, CompareToFile: copy.txt, FailIfDiffToMD5: true, "
+             "CompareToMD5: '0'",
+       kFiles, {Said, "MD5 matches file: copy.txt", "MD5 don't match", "Compare to MD5: 0"}, "failure", kFiles},
+  });
+}
+
+TEST(ChecksumsEndToEnd, AFileAnotherProgramWritesCannotBeHashed) {
+  TempDir D;
+  MakeTree(D.Path(), {"busy.log=in use", "a.txt=in use"});
+  TestProcess Writer({"/bin/sh", "-c", "exec 3>>" + (D / "busy.log") + "; exec sleep 60"});
+  ASSERT_TRUE(WaitUntil([&] { return Exists("/proc/" + std::to_string(Writer.Pid()) + "/fd/3"); }));
+  ZtResult R = RunZt(D.Path(), R"(actions:
+  - {action: Calculate File MD5, FileName: busy.log, ignoreFailure: true}
+  - {action: Calculate File MD5, FileName: a.txt, FailIfDiffToFile: true, CompareToFile: busy.log}
 )");
-  EXPECT_EQ(R.ExitCode, 1) << R.Stderr;
-  EXPECT_EQ(Messages(R, "1"), (Lines{"CRC32 for a.bin is $9271EE57", "CRC don't match", "Compare to CRC: $cbf43926"}));
-  EXPECT_EQ(ActionResult(R, "1"), "ignored");
-  EXPECT_EQ(Messages(R, "2"), (Lines{"MD5 for a.bin is 8B04D5E3775D298E78455EFC5CA404D5", "MD5 don't match",
-                                     "File 2 MD5: A9F0E61A137D86AA9DB53465E0801612"}));
+  EXPECT_EQ(Messages(R, "1"), Lines{"Hash of file busy.log failed"});
+  EXPECT_EQ(Messages(R, "2"), (Lines{"MD5 for a.txt is BA11B8FEB4E43D227DCABE6565836D24", "Hash of file busy.log failed"}));
   EXPECT_EQ(ActionResult(R, "2"), "failure");
-  EXPECT_EQ(ActionResult(R, "3"), "");
-}
-
-TEST(ChecksumsEndToEnd, MissingFileFails) {
-  TempDir Dir;
-  ZtResult R = RunZt(Dir.Path(), "actions:\n  - action: Calculate File MD5\n    FileName: none.bin\n");
-  EXPECT_EQ(R.ExitCode, 1) << R.Stderr;
-  EXPECT_EQ(Messages(R, "1"), Lines{"ERROR - File missing: none.bin"});
 }
 
 TEST(ChecksumsEndToEnd, ValidationReportsAMissingFileName) {
   TempDir Dir;
   ZtResult R = RunZt(Dir.Path(), R"(actions:
   - action: Calculate File CRC32
-  - action: Calculate File MD5
-    FileName: x
+  - {action: Calculate File MD5, FileName: x}
   - action: Calculate File MD5
 )", {}, "validate");
   EXPECT_EQ(R.ExitCode, 1) << R.Stderr;

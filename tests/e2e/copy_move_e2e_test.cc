@@ -1,190 +1,226 @@
-// "Copy File(s)" and "Move File(s)" run through zt: the JSON log entries and
-// progress events, the files on disk, results, and property order in a
-// project file.
-#include <filesystem>
-#include <fstream>
-#include <regex>
-#include <sstream>
+// "Copy File(s)" and "Move File(s)" through zt: the lines each run logs, its
+// result, and every file afterwards (a copy carries the archive bit, stored
+// as 0x20), one table row per rule.
+#include <dirent.h>
+#include <sys/stat.h>
+#include <sys/xattr.h>
+
 #include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
 
 #include "ZtRunner.h"
+#include "support/Files.h"
 #include "support/TempDir.h"
 
 namespace zt::testing {
 namespace {
 
-namespace fs = std::filesystem;
 using Lines = std::vector<std::string>;
 
-void Write(const std::string& Path, const std::string& Text) {
-  fs::create_directories(fs::path(Path).parent_path());
-  std::ofstream(Path) << Text;
+TEST(CopyMoveEndToEnd, CopyRules) {
+  const Lines Src = {"src/a.txt=alpha", "src/b.txt=bravo", "src/c.log=charlie"};
+  const Lines Tree = {"src/top.txt=top", "src/sub/one.txt=one", "src/sub/deep/two.txt=two", "src/empty/",
+                      "src/other/skip.log=skip"};
+  auto With = [](Lines A, const Lines& B) { return A.insert(A.end(), B.begin(), B.end()), A; };
+  const std::string Copy = "action: Copy File(s), ";
+  ExpectCases({
+      {Copy + "FileSpec: src/*.txt, Target: out", With(Src, {"out/"}),
+       {"Copying files : src/*.txt -> out", "2 Files Copied."}, "success",
+       With(Src, {"out/a.txt=alpha [0x20]", "out/b.txt=bravo [0x20]"})},
+      // Without a target directory every match is copied onto the one target.
+      {Copy + "FileSpec: src/*.txt, TargetIsDir: false, Target: all.txt", {"src/a.txt", "src/b.txt"},
+       {"Copying files : src/*.txt -> all.txt", "2 Files Copied."}, "success",
+       {"all.txt [0x20]", "src/a.txt", "src/b.txt"}},
+      // Hidden and system files match; a directory named by the spec does not.
+      {Copy + "FileSpec: src/*, Target: out", {"src/.dot=d", "src/sys=s [0x6]", "src/dir/", "out/"},
+       {"Copying files : src/* -> out", "2 Files Copied."}, "success",
+       {"out/.dot=d [0x20]", "out/sys=s [0x26]", "src/.dot=d", "src/dir/", "src/sys=s [0x6]"}},
+      {Copy + "FileSpec: src/dir, Target: out", {"src/dir/a.txt=a", "out/"},
+       {"Copying files : src/dir -> out", "0 Files Copied."}, "success", {"out/", "src/dir/a.txt=a"}},
+      {Copy + "FileSpec: 'no dir/*.txt', Target: out", {}, {"Copying files : no dir/*.txt -> out", "0 Files Copied."},
+       "success", {}},
+      {Copy + "FileSpec: src/*.none, Target: out, FailIfZeroFiles: true", Src,
+       {"Copying files : src/*.none -> out", "0 Files Copied."}, "failure", Src},
+      {Copy + "FileSpec: a.txt, Target: ' '", {"a.txt=a"}, {"Error: No target file specified."}, "failure",
+       {"a.txt=a"}},
+      {Copy + "FileSpec: '%NOPE%/*.txt', Target: out", {}, {"Variable \"NOPE\" is not defined"}, "failure", {}},
+      // Targets that exist.
+      {Copy + "FileSpec: a.txt, Target: b.txt", {"a.txt=new", "b.txt=old"},
+       {"Copying files : a.txt -> b.txt", "1 Files Copied."}, "success", {"a.txt=new", "b.txt=new [0x20]"}},
+      {Copy + "FileSpec: a.txt, Target: b.txt", {"a.txt=new", "b.txt=old [ro]"},
+       {"Copying files : a.txt -> b.txt", "Failed to copy File : a.txt -> b.txt",
+        "File Already Exists and is marked as Read Only", "0 Files Copied."},
+       "failure", {"a.txt=new", "b.txt=old [ro]"}},
+      {Copy + "FileSpec: a.txt, Target: b.txt, OverwriteReadOnly: true", {"a.txt=new [ro]", "b.txt=old [ro]"},
+       {"Copying files : a.txt -> b.txt", "1 Files Copied."}, "success",
+       {"a.txt=new [ro]", "b.txt=new [ro] [0x20]"}},
+      {Copy + "FileSpec: a.txt, Target: b.txt, OverwriteReadOnly: true, ClearAttributes: true",
+       {"a.txt=new [ro]", "b.txt=old [ro] [0x20]"}, {"Copying files : a.txt -> b.txt", "1 Files Copied."},
+       "success", {"a.txt=new [ro]", "b.txt=new"}},
+      {Copy + "FileSpec: src/*.txt, Target: src/", {"src/a.txt=alpha"},
+       {"Copying files : src/*.txt -> src/", "Failed to copy File : src/a.txt -> src/a.txt",
+        "Win32 Error : The process cannot access the file because it is being used by another process",
+        "0 Files Copied."},
+       "failure", {"src/a.txt=alpha"}},
+      // Target directories: made only with Force, and only where files go.
+      {Copy + "FileSpec: src/*.txt, Target: out/new", {"src/a.txt=alpha"},
+       {"Copying files : src/*.txt -> out/new", "Failed to copy File : src/a.txt -> out/new/a.txt",
+        "Win32 Error : The system cannot find the path specified", "0 Files Copied."},
+       "failure", {"src/a.txt=alpha"}},
+      {Copy + "FileSpec: src/*.txt, Target: copy, Recurse: true, Force: true", Tree,
+       {"Copying files : src/*.txt -> copy", "3 Files Copied."}, "success",
+       With(Tree, {"copy/sub/deep/two.txt=two [0x20]", "copy/sub/one.txt=one [0x20]", "copy/top.txt=top [0x20]"})},
+      // A sub-directory that fails logs why and the copy goes on; a failure
+      // at the top level ends it before any sub-directory.
+      {Copy + "FileSpec: src/*.txt, Target: out, Recurse: true", {"src/top.txt=top", "src/sub/one.txt=one", "out/"},
+       {"Copying files : src/*.txt -> out", "Failed to copy File : src/sub/one.txt -> out/sub/one.txt",
+        "Win32 Error : The system cannot find the path specified", "1 Files Copied."},
+       "success", {"out/top.txt=top [0x20]", "src/sub/one.txt=one", "src/top.txt=top"}},
+      {Copy + "FileSpec: src/*.txt, Target: out, Recurse: true, FailIfExists: true",
+       {"src/s1/f.txt=1", "src/s2/f.txt=2", "src/s3/f.txt=3", "out/s1/", "out/s2/f.txt=taken", "out/s3/"},
+       {"Copying files : src/*.txt -> out", "Failed to copy File : src/s2/f.txt -> out/s2/f.txt",
+        "File Already Exists!", "2 Files Copied."},
+       "success",
+       {"out/s1/f.txt=1 [0x20]", "out/s2/f.txt=taken", "out/s3/f.txt=3 [0x20]", "src/s1/f.txt=1", "src/s2/f.txt=2",
+        "src/s3/f.txt=3"}},
+      {Copy + "FileSpec: src/*.txt, Target: out, Recurse: true, Force: true, FailIfExists: true",
+       {"src/top.txt=top", "src/sub/one.txt=one", "out/top.txt=taken"},
+       {"Copying files : src/*.txt -> out", "Failed to copy File : src/top.txt -> out/top.txt",
+        "File Already Exists!", "0 Files Copied."},
+       "failure", {"out/top.txt=taken", "src/sub/one.txt=one", "src/top.txt=top"}},
+      {Copy + "FileSpec: 'my src/*.txt', Target: my out, Recurse: true, Force: true", {"my src/ünï/naïve ✓.txt=u"},
+       {"Copying files : my src/*.txt -> my out", "1 Files Copied."}, "success",
+       {"my out/ünï/naïve ✓.txt=u [0x20]", "my src/ünï/naïve ✓.txt=u"}},
+      // Recurse makes the target a directory; a later TargetIsDir: false
+      // turns Recurse off again, so one file is copied onto "single".
+      {Copy + "Recurse: true, FileSpec: src/*.txt, Target: single, TargetIsDir: false", {"src/sub/a.txt=a", "src/b.txt=b"},
+       {"Copying files : src/*.txt -> single", "1 Files Copied."}, "success",
+       {"single=b [0x20]", "src/b.txt=b", "src/sub/a.txt=a"}},
+  });
 }
 
-std::string Read(const std::string& Path) {
-  std::ifstream In(Path);
-  std::stringstream S;
-  S << In.rdbuf();
-  return S.str();
+TEST(CopyMoveEndToEnd, MoveRules) {
+  const std::string Move = "action: Move File(s), ";
+  const std::string Header = "Moving files : src/*.txt -> out";
+  ExpectCases({
+      {Move + "FileSpec: src/*.txt, Target: out", {"src/a.txt=a", "src/b.txt=b", "src/c.log=c", "out/"},
+       {Header, "2 Files Moved."}, "success", {"out/a.txt=a", "out/b.txt=b", "src/c.log=c"}},
+      // Hidden files move; system files and directories stay.
+      {Move + "FileSpec: src/*, Target: out/", {"src/.dot=d", "src/sys=s [0x4]", "src/dir/", "out/"},
+       {"Moving files : src/* -> out/", "1 Files Moved."}, "success", {"out/.dot=d", "src/dir/", "src/sys=s [0x4]"}},
+      {Move + "FileSpec: src/a.txt, Target: made/here/b.txt, Force: true", {"src/a.txt=a"},
+       {"Moving files : src/a.txt -> made/here/b.txt", "1 Files Moved."}, "success", {"made/here/b.txt=a", "src/"}},
+      {Move + "FileSpec: src/a.txt, Target: made, TargetIsDir: true, Force: true", {"src/a.txt=a"},
+       {"Moving files : src/a.txt -> made", "1 Files Moved."}, "success", {"made/a.txt=a", "src/"}},
+      {Move + "FileSpec: src/*.txt, Target: out, ClearAttributes: true", {"src/a.txt=a [ro] [0x20]", "out/"},
+       {Header, "1 Files Moved."}, "success", {"out/a.txt=a", "src/"}},
+      // A failed move is logged and the run goes on, unless StopOnAnyErrors.
+      {Move + "FileSpec: src/*.txt, Target: out", {"src/a.txt=a"},
+       {Header, " --> Error Moving File : src/a.txt -> out/a.txt", " --> The system cannot find the path specified",
+        "0 Files Moved."},
+       "success", {"src/a.txt=a"}},
+      {Move + "FileSpec: src/*.txt, Target: out, StopOnAnyErrors: true", {"src/a.txt=a"},
+       {Header, " --> Error Moving File : src/a.txt -> out/a.txt", " --> The system cannot find the path specified",
+        "0 Files Moved."},
+       "failure", {"src/a.txt=a"}},
+      {Move + "FileSpec: src/*.txt, Target: out, FailIfZeroFiles: true", {"out/"}, {Header, "0 Files Moved."},
+       "failure", {"out/"}},
+      // Empty texts are a silent success; an expansion that fails is logged.
+      {Move + "FileSpec: src/a.txt, Target: ' '", {"src/a.txt=a"}, {}, "success", {"src/a.txt=a"}},
+      {Move + "FileSpec: src/*.txt, Target: '%MISSING%'", {},
+       {" --> Unable to Move files : src/*.txt", " --> Variable \"MISSING\" is not defined"}, "failure", {}},
+      // Targets that exist.
+      {Move + "FileSpec: src/*.txt, Target: out", {"src/a.txt=new", "out/a.txt=old"}, {Header, "1 Files Moved."},
+       "success", {"out/a.txt=new", "src/"}},
+      {Move + "FileSpec: src/*.txt, Target: out, FailIfExists: true", {"src/a.txt=new", "out/a.txt=old"},
+       {Header, " --> Error Moving File : src/a.txt -> out/a.txt",
+        " --> The target File exists and \"Fail if Exists\" is checked", "0 Files Moved."},
+       "failure", {"out/a.txt=old", "src/a.txt=new"}},
+      {Move + "FileSpec: src/*.txt, Target: out", {"src/a.txt=new", "out/a.txt=old [ro]"},
+       {Header, " --> Error Moving File : src/a.txt -> out/a.txt", " --> The target File is marked \"Read Only\"",
+        "0 Files Moved."},
+       "failure", {"out/a.txt=old [ro]", "src/a.txt=new"}},
+      {Move + "FileSpec: src/*.txt, Target: out, OverwriteReadOnly: true", {"src/a.txt=new", "out/a.txt=old [ro]"},
+       {Header, "1 Files Moved."}, "success", {"out/a.txt=new", "src/"}},
+      // The same file under another name is never deleted as the target.
+      {Move + "FileSpec: src/a.txt, Target: src/a.txt", {"src/a.txt=a"},
+       {"Moving files : src/a.txt -> src/a.txt", "1 Files Moved."}, "success", {"src/a.txt=a"}},
+      {Move + "FileSpec: src/a.txt, Target: src/./a.txt", {"src/a.txt=a"},
+       {"Moving files : src/a.txt -> src/./a.txt", " --> Error Moving File : src/a.txt -> src/./a.txt",
+        " --> Cannot create a file when that file already exists", "0 Files Moved."},
+       "success", {"src/a.txt=a"}},
+      {Move + "FileSpec: '%UNDEFINED_DIR%/*.txt', Target: out", {},
+       {" --> Unable to Move files : ", " --> Variable \"UNDEFINED_DIR\" is not defined"}, "failure", {}},
+      {Move + "FileSpec: '  ', Target: out", {}, {}, "success", {}},
+  });
 }
 
-// (text, percent) of every progress event of action Id.
-std::vector<std::pair<std::string, int>> ProgressEvents(const ZtResult& R, const std::string& Id) {
-  std::vector<std::pair<std::string, int>> P;
+// Names in Dir in the order the file system lists them, which is the order
+// a search visits them.
+Lines DirectoryOrder(const std::string& Dir) {
+  Lines Names;
+  if (DIR* D = opendir(Dir.c_str())) {
+    while (dirent* E = readdir(D))
+      if (E->d_name[0] != '.') Names.push_back(E->d_name);
+    closedir(D);
+  }
+  return Names;
+}
+
+TEST(CopyMoveEndToEnd, MoveRulesThatDependOnTheOrderOfTheSearch) {
+  TempDir D;
+  MakeTree(D.Path(), {"one/a.txt=a", "one/b.txt=b", "two/a.txt=a", "two/b.txt=b"});
+  const Lines One = DirectoryOrder(D / "one"), Two = DirectoryOrder(D / "two");
+  // The first of two files moved onto themselves is read-only: from then on
+  // every existing target is made normal, the second's stored bits too.
+  chmod((D / ("two/" + Two[0])).c_str(), 0444);
+  setxattr((D / ("two/" + Two[1])).c_str(), "user.DOSATTRIB", "0x20", 4, 0);
+  ZtResult R = RunZt(D.Path(), R"(actions:
+  - {action: Move File(s), FileSpec: one/*.txt, TargetIsDir: false, Target: first.txt}
+  - {action: Move File(s), FileSpec: two/*.txt, Target: two, OverwriteReadOnly: true}
+)");
+  EXPECT_EQ(Said(R, "1"), (Lines{"Moving files : one/*.txt -> first.txt", "1 Files Moved."}));
+  EXPECT_EQ(Said(R, "2"), (Lines{"Moving files : two/*.txt -> two", "2 Files Moved."}));
+  EXPECT_EQ(ListNames(D / "one"), Lines{One[1]});  // only the first match moves
+  EXPECT_EQ(ReadText(D / "first.txt"), One[0].substr(0, 1));
+  EXPECT_EQ(Tree(D / "two"), (Lines{"a.txt=a", "b.txt=b"}));
+}
+
+TEST(CopyMoveEndToEnd, CopyLogsOneProgressLinePerFileAndFailuresStopTheBuild) {
+  TempDir D;
+  MakeTree(D.Path(), {"src/a.txt=alpha", "src/sub/b.txt=bravo", "out/a.txt=old"});
+  ZtResult R = RunZt(D.Path(), R"(actions:
+  - {action: Copy File(s), FileSpec: src/*.txt, Target: tree, Recurse: true, Force: true}
+  - {action: TMoveFilesAction, FileSpec: src/a.txt, Target: out/a.txt, FailIfExists: true}
+  - {action: Copy File(s), FileSpec: src/a.txt, Target: never.txt}
+)");
+  EXPECT_EQ(R.ExitCode, 1);
+  std::vector<std::pair<std::string, int>> Progress;
   for (const auto& E : R.Events)
-    if (E.value("event", "") == "progress" && E.value("id", "") == Id)
-      P.emplace_back(E.value("text", ""), E.value("percent", -1));
-  return P;
-}
-
-TEST(CopyMoveEndToEnd, RecursiveCopyLogsOneEntryAndProgressPerFile) {
-  TempDir Dir;
-  Write(Dir / "src/a.txt", "alpha");
-  Write(Dir / "src/sub/b.txt", "bravo");
-  Write(Dir / "src/sub/skip.log", "log");
-  ZtResult R = RunZt(Dir.Path(), R"(name: Publish
-actions:
-  - action: Copy File(s)
-    FileSpec: src/*.txt
-    Target: out
-    Recurse: true
-    Force: true
-)");
-  ASSERT_EQ(R.ExitCode, 0) << R.Stderr;
-  EXPECT_EQ(StatusDetails(R, "1"), (Lines{"Copying files : src/*.txt -> out", "2 Files Copied."}));
-  EXPECT_EQ(ActionResult(R, "1"), "success");
-  EXPECT_EQ(Read(Dir / "out/a.txt"), "alpha");
-  EXPECT_EQ(Read(Dir / "out/sub/b.txt"), "bravo");
-  EXPECT_FALSE(fs::exists(Dir / "out/sub/skip.log"));
-  const auto P = ProgressEvents(R, "1");
-  ASSERT_EQ(P.size(), 4u);
-  EXPECT_EQ(P[0], std::make_pair(std::string("Copying File : src/a.txt to : out/a.txt"), 0));
-  EXPECT_EQ(P[1], std::make_pair(std::string("Copying File : src/a.txt to : out/a.txt"), 100));
-  EXPECT_EQ(P[3], std::make_pair(std::string("Copying File : src/sub/b.txt to : out/sub/b.txt"), 100));
-}
-
-TEST(CopyMoveEndToEnd, FailedCopyFailsTheBuildUnlessIgnored) {
-  TempDir Dir;
-  Write(Dir / "src/a.txt", "new");
-  Write(Dir / "out/a.txt", "old");
-  const std::string Project = R"(actions:
-  - action: Copy File(s)
-    FileSpec: src/a.txt
-    Target: out/a.txt
-    FailIfExists: true
-    ignoreFailure: IGNORE
-  - action: TMoveFilesAction
-    FileSpec: src/a.txt
-    Target: moved
-    TargetIsDir: true
-    Force: true
-)";
-  ZtResult R = RunZt(Dir.Path(), std::regex_replace(Project, std::regex("IGNORE"), "false"));
-  EXPECT_EQ(R.ExitCode, 1);
-  EXPECT_EQ(StatusDetails(R, "1"), (Lines{"Copying files : src/a.txt -> out/a.txt",
-                                          "Failed to copy File : src/a.txt -> out/a.txt", "File Already Exists!",
-                                          "0 Files Copied."}));
-  EXPECT_EQ(ActionResult(R, "1"), "failure");
-  EXPECT_EQ(ActionResult(R, "2"), "");
-  EXPECT_EQ(Read(Dir / "out/a.txt"), "old");
-
-  R = RunZt(Dir.Path(), std::regex_replace(Project, std::regex("IGNORE"), "true"));
-  EXPECT_EQ(R.ExitCode, 0) << R.Stderr;
-  EXPECT_EQ(ActionResult(R, "1"), "ignored");
-  EXPECT_EQ(StatusDetails(R, "2"), (Lines{"Moving files : src/a.txt -> moved", "1 Files Moved."}));
-  EXPECT_EQ(ActionResult(R, "2"), "success");
-  EXPECT_EQ(Read(Dir / "moved/a.txt"), "new");
-  EXPECT_FALSE(fs::exists(Dir / "src/a.txt"));
-}
-
-TEST(CopyMoveEndToEnd, PropertiesApplyInFileOrderThroughTheCoupledSetters) {
-  TempDir Dir;
-  Write(Dir / "src/a.txt", "alpha");
-  Write(Dir / "src/deep/b.txt", "bravo");
-  // Recurse turns TargetIsDir on; the later TargetIsDir: false turns Recurse
-  // off again, so only the first match is copied, onto the file "single".
-  ZtResult R = RunZt(Dir.Path(), R"(actions:
-  - action: Copy File(s)
-    Recurse: true
-    FileSpec: src/a.txt
-    Target: single
-    TargetIsDir: false
-  - action: Copy File(s)
-    TargetIsDir: false
-    FileSpec: src/*.txt
-    Target: tree
-    Recurse: true
-    Force: true
-)");
-  ASSERT_EQ(R.ExitCode, 0) << R.Stderr;
-  EXPECT_EQ(StatusDetails(R, "1"), (Lines{"Copying files : src/a.txt -> single", "1 Files Copied."}));
-  EXPECT_EQ(Read(Dir / "single"), "alpha");
-  EXPECT_EQ(StatusDetails(R, "2"), (Lines{"Copying files : src/*.txt -> tree", "2 Files Copied."}));
-  EXPECT_EQ(Read(Dir / "tree/deep/b.txt"), "bravo");
-}
-
-TEST(CopyMoveEndToEnd, EmptyPropertiesFailCopyButAreASilentSuccessForMove) {
-  TempDir Dir;
-  ZtResult R = RunZt(Dir.Path(), R"(variables:
-  NOTHING: ""
-actions:
-  - action: Move File(s)
-    FileSpec: "%NOTHING%"
-    Target: out
-  - action: Copy File(s)
-    FileSpec: "  %NOTHING%  "
-    Target: out
-)");
-  EXPECT_EQ(R.ExitCode, 1);
-  EXPECT_EQ(ActionResult(R, "1"), "success");
-  EXPECT_TRUE(StatusDetails(R, "1").empty());
-  EXPECT_TRUE(Messages(R, "1").empty());
+    if (E.value("event", "") == "progress") Progress.emplace_back(E["text"], E["percent"]);
+  ASSERT_EQ(Progress.size(), 4u);
+  EXPECT_EQ(Progress[0], std::make_pair(std::string("Copying File : src/a.txt to : tree/a.txt"), 0));
+  EXPECT_EQ(Progress[1], std::make_pair(std::string("Copying File : src/a.txt to : tree/a.txt"), 100));
+  EXPECT_EQ(Progress[3], std::make_pair(std::string("Copying File : src/sub/b.txt to : tree/sub/b.txt"), 100));
   EXPECT_EQ(ActionResult(R, "2"), "failure");
-  EXPECT_EQ(Messages(R, "2"), Lines{"Error: No source file specified."});
-  EXPECT_TRUE(StatusDetails(R, "2").empty());
+  EXPECT_EQ(ActionResult(R, "3"), "");
+  EXPECT_FALSE(Exists(D / "never.txt"));
 }
 
-TEST(CopyMoveEndToEnd, MoveLogsAnUndefinedVariableInItsOwnEntry) {
-  TempDir Dir;
-  ZtResult R = RunZt(Dir.Path(), R"(actions:
-  - action: Move File(s)
-    FileSpec: "%UNDEFINED_DIR%/*.txt"
-    Target: out
-)");
-  EXPECT_EQ(R.ExitCode, 1);
-  EXPECT_EQ(StatusDetails(R, "1"),
-            (Lines{" --> Unable to Move files : ", " --> Variable \"UNDEFINED_DIR\" is not defined"}));
-  EXPECT_EQ(ActionResult(R, "1"), "failure");
-}
-
-TEST(CopyMoveEndToEnd, ValidateNamesBothMissingProperties) {
-  TempDir Dir;
-  ZtResult R = RunZt(Dir.Path(), R"(actions:
-  - action: Copy File(s)
-  - action: Move File(s)
-    FileSpec: a.txt
-)",
+TEST(CopyMoveEndToEnd, ValidateNamesMissingPropertiesAndCountsAreReadOnly) {
+  TempDir D;
+  ZtResult R = RunZt(D.Path(), "actions:\n  - action: Copy File(s)\n  - {action: Move File(s), FileSpec: a.txt}\n",
                      {}, "validate");
   EXPECT_EQ(R.ExitCode, 1);
   EXPECT_EQ(R.Stdout,
             "1 Copy File(s): File Spec: The file spec has not been set\n"
             "1 Copy File(s): Target: The target file/directory has not been set\n"
             "2 Move File(s): Target: The target file/directory has not been set\n");
-}
-
-TEST(CopyMoveEndToEnd, ReadOnlyCountsCannotBeSetInAProject) {
-  TempDir Dir;
-  ZtResult R = RunZt(Dir.Path(), R"(actions:
-  - action: Copy File(s)
-    FileSpec: a.txt
-    Target: b.txt
-    FilesAffected: 3
-)");
+  R = RunZt(D.Path(), "actions:\n  - {action: Copy File(s), FileSpec: a, Target: b, FilesAffected: 3}\n");
   EXPECT_EQ(R.ExitCode, 2);
-  EXPECT_NE(R.Stderr.find("FilesAffected"), std::string::npos) << R.Stderr;
+  EXPECT_EQ(R.Stderr, "project.yml:2: Copy File(s): property \"FilesAffected\" is read-only\n");
 }
 
 }  // namespace

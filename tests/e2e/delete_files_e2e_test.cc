@@ -1,105 +1,76 @@
-// "Delete File(s)" run through zt: the log entry, the files left, the exit
-// code, and validation of an empty file specification.
-#include <filesystem>
-#include <fstream>
+// "Delete File(s)" through zt: the log entry, the result and the files left,
+// one row per rule; the first read-only file stopping the build.
 #include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
 
 #include "ZtRunner.h"
+#include "support/Files.h"
 #include "support/TempDir.h"
 
 namespace zt::testing {
 namespace {
 
-namespace fs = std::filesystem;
 using Lines = std::vector<std::string>;
 
-void Touch(const std::string& Path) { std::ofstream(Path) << "data"; }
-
-TEST(DeleteFilesEndToEnd, DeletesMatchesAndLeavesOthers) {
-  TempDir Dir;
-  fs::create_directory(Dir / "out");
-  for (auto* N : {"a.tmp", "b.tmp", "keep.txt"}) Touch(Dir / ("out/" + std::string(N)));
-  ZtResult R = RunZt(Dir.Path(), R"(name: Clean
-actions:
-  - action: Delete File(s)
-    FileSpec: "out/*.tmp"
-)");
-  EXPECT_EQ(R.ExitCode, 0) << R.Stderr;
-  EXPECT_EQ(StatusDetails(R, "1"), (Lines{"Deleting files : out/*.tmp", "2 Files Deleted."}));
-  EXPECT_EQ(ActionResult(R, "1"), "success");
-  EXPECT_FALSE(fs::exists(Dir / "out/a.tmp"));
-  EXPECT_FALSE(fs::exists(Dir / "out/b.tmp"));
-  EXPECT_TRUE(fs::exists(Dir / "out/keep.txt"));
+TEST(DeleteFilesEndToEnd, DeleteRules) {
+  const std::string Delete = "action: Delete File(s), ";
+  ExpectCases(
+      {
+          {Delete + "FileSpec: out/*.tmp", {"out/a.tmp", "out/b.tmp", "out/keep.txt"},
+           {"Deleting files : out/*.tmp", "2 Files Deleted."}, "success", {"out/keep.txt"}},
+          {Delete + "FileSpec: '  %OUT%/*.tmp '", {"out/a.tmp"}, {"Deleting files : out/*.tmp", "1 Files Deleted."},
+           "success", {"out/"}},
+          {Delete + "FileSpec: one.txt", {"one.txt", "two.txt"}, {"Deleting files : one.txt", "1 Files Deleted."},
+           "success", {"two.txt"}},
+          // Hidden files go; directories and system files stay.
+          {Delete + "FileSpec: '*.txt'", {".hidden.txt", "plain.txt", "sub.txt/inner.txt", "sys.txt [0x4]"},
+           {"Deleting files : *.txt", "2 Files Deleted."}, "success", {"sub.txt/inner.txt", "sys.txt [0x4]"}},
+          {Delete + "FileSpec: '*.dat'", {"a.dat [ro]"},
+           {"Deleting files : *.dat", " --> Error Deleting File : a.dat", " --> Access is denied", "0 Files Deleted."},
+           "failure", {"a.dat [ro]"}},
+          {Delete + "FileSpec: '*.dat', DeleteReadOnly: true", {"a.dat [ro]", "b.dat"},
+           {"Deleting files : *.dat", "2 Files Deleted."}, "success", {}},
+          // DeleteHidden clears the bit first, even when the delete then fails.
+          {Delete + "FileSpec: '*.dat', DeleteHidden: true", {"a.dat [ro] [0x22]"},
+           {"Deleting files : *.dat", " --> Error Deleting File : a.dat", " --> Access is denied", "0 Files Deleted."},
+           "failure", {"a.dat [ro] [0x20]"}},
+          // Nothing to delete fails unless allowed; a blank spec logs nothing.
+          {Delete + "FileSpec: missing.txt", {}, {"Deleting files : missing.txt", "0 Files Deleted."}, "failure", {}},
+          {Delete + "FileSpec: no-dir/*.txt, FailIfNoFile: false", {},
+           {"Deleting files : no-dir/*.txt", "0 Files Deleted."}, "success", {}},
+          {Delete + "FileSpec: '  '", {}, {}, "failure", {}},
+          {Delete + "FileSpec: ' %BLANK% ', FailIfNoFile: false", {}, {}, "success", {}},
+          {Delete + "FileSpec: '%NOPE%/*.txt'", {}, {"Variable \"NOPE\" is not defined"}, "failure", {}},
+      },
+      {"--var", "OUT=out", "--var", "BLANK= "});
 }
 
-TEST(DeleteFilesEndToEnd, ReadOnlyFileStopsTheBuild) {
+TEST(DeleteFilesEndToEnd, FirstReadOnlyFileStopsTheBuild) {
   TempDir Dir;
-  fs::create_directory(Dir / "out");
   const Lines Names = {"a.dat", "b.dat", "c.dat", "d.dat"};
-  for (const auto& N : Names) Touch(Dir / ("out/" + N));
-  fs::permissions(Dir / "out/c.dat", fs::perms::owner_write | fs::perms::group_write | fs::perms::others_write,
-                  fs::perm_options::remove);
-  ZtResult R = RunZt(Dir.Path(), R"(name: Clean
-actions:
-  - action: TDeleteFilesAction
-    FileSpec: out/*.dat
-  - action: Delete File(s)
-    FileSpec: out/never.dat
+  MakeTree(Dir.Path(), {"out/a.dat", "out/b.dat", "out/c.dat [ro]", "out/d.dat"});
+  ZtResult R = RunZt(Dir.Path(), R"(actions:
+  - {action: TDeleteFilesAction, FileSpec: out/*.dat}
+  - {action: Delete File(s), FileSpec: out/never.dat}
 )");
   EXPECT_EQ(R.ExitCode, 1) << R.Stderr;
   // The files visited before the read-only one are gone; the count says how many.
-  int Deleted = 0;
-  for (const auto& N : Names)
-    if (!fs::exists(Dir / ("out/" + N))) ++Deleted;
-  EXPECT_TRUE(fs::exists(Dir / "out/c.dat"));
-  EXPECT_EQ(StatusDetails(R, "1"), (Lines{"Deleting files : out/*.dat", " --> Error Deleting File : out/c.dat",
-                                          " --> Access is denied", std::to_string(Deleted) + " Files Deleted."}));
+  const std::size_t Deleted = Names.size() - ListNames(Dir / "out").size();
+  EXPECT_TRUE(Exists(Dir / "out/c.dat"));
+  EXPECT_EQ(Said(R, "1"), (Lines{"Deleting files : out/*.dat", " --> Error Deleting File : out/c.dat",
+                                 " --> Access is denied", std::to_string(Deleted) + " Files Deleted."}));
   EXPECT_EQ(ActionResult(R, "1"), "failure");
   EXPECT_EQ(ActionResult(R, "2"), "");  // the build stopped before it
 }
 
-TEST(DeleteFilesEndToEnd, NothingToDeleteFailsUnlessAllowed) {
+TEST(DeleteFilesEndToEnd, ValidateAndDescribeShowTheSpecAsWritten) {
   TempDir Dir;
-  ZtResult R = RunZt(Dir.Path(), R"(name: Clean
-actions:
-  - action: Delete File(s)
-    FileSpec: missing.txt
-    FailIfNoFile: false
-  - action: Delete File(s)
-    FileSpec: missing.txt
-)");
+  ZtResult R = RunZt(Dir.Path(), "actions:\n  - {action: Delete File(s), title: Clean output}\n", {}, "validate");
   EXPECT_EQ(R.ExitCode, 1);
-  EXPECT_EQ(StatusDetails(R, "1"), (Lines{"Deleting files : missing.txt", "0 Files Deleted."}));
-  EXPECT_EQ(ActionResult(R, "1"), "success");
-  EXPECT_EQ(StatusDetails(R, "2"), (Lines{"Deleting files : missing.txt", "0 Files Deleted."}));
-  EXPECT_EQ(ActionResult(R, "2"), "failure");
-}
-
-TEST(DeleteFilesEndToEnd, ValidateReportsAnEmptyFileSpec) {
-  TempDir Dir;
-  ZtResult R = RunZt(Dir.Path(), R"(name: Clean
-actions:
-  - action: Delete File(s)
-    title: Clean output
-)",
-                     {}, "validate");
-  EXPECT_EQ(R.ExitCode, 1);
-  EXPECT_NE(R.Stdout.find("1 Clean output: File Spec: The file spec has not been set\n"), std::string::npos)
-      << R.Stdout;
-}
-
-TEST(DeleteFilesEndToEnd, DescribeShowsTheUnexpandedSpec) {
-  TempDir Dir;
-  ZtResult R = RunZt(Dir.Path(), R"(name: Clean
-actions:
-  - action: Delete File(s)
-    FileSpec: "%OUT%/*.obj"
-)",
-                     {}, "describe");
-  EXPECT_EQ(R.ExitCode, 0) << R.Stderr;
+  EXPECT_EQ(R.Stdout, "1 Clean output: File Spec: The file spec has not been set\n");
+  R = RunZt(Dir.Path(), "actions:\n  - {action: Delete File(s), FileSpec: '%OUT%/*.obj'}\n", {}, "describe");
   EXPECT_EQ(R.Stdout, "Delete File(s) [ %OUT%/*.obj ]\n");
 }
 

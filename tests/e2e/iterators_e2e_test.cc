@@ -10,7 +10,6 @@
 
 #include <gtest/gtest.h>
 
-#include "LoopEvents.h"
 #include "ZtRunner.h"
 #include "support/TempDir.h"
 

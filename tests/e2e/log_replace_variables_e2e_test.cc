@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "ZtRunner.h"
-#include "support/FileBytes.h"
+#include "support/Files.h"
 #include "support/TempDir.h"
 
 namespace zt::testing {
@@ -43,8 +43,8 @@ actions:
 
 TEST(ReplaceVariablesE2E, ReplacesInAFileAndWritesItBackWithCrLfLines) {
   TempDir D;
-  WriteBytes(D / "app.conf", "version=%VER%\nname=%NAME% %VER%\r\nliteral=100%%\rlast");
-  WriteBytes(D / "plain.txt", "no references\nhere");
+  WriteText(D / "app.conf", "version=%VER%\nname=%NAME% %VER%\r\nliteral=100%%\rlast");
+  WriteText(D / "plain.txt", "no references\nhere");
   ZtResult R = RunZt(D.Path(), R"(
 variables:
   VER: 1.4.2
@@ -58,18 +58,18 @@ actions:
 )");
   EXPECT_EQ(R.ExitCode, 0) << R.Stdout;
   const std::string Replaced = "version=1.4.2\r\nname=zt 1.4.2 1.4.2\r\nliteral=100%\r\nlast\r\n";
-  EXPECT_EQ(ReadBytes(D / "app.conf"), Replaced);
+  EXPECT_EQ(ReadText(D / "app.conf"), Replaced);
   EXPECT_EQ(Messages(R, "1"),
             (Lines{"Loading data from file app.conf...", "Made 3 replacements.",
                    "Contents with Replaced Variables:", Replaced, "Writing result back to source file."}));
   // Rewritten even without a reference.
-  EXPECT_EQ(ReadBytes(D / "plain.txt"), "no references\r\nhere\r\n");
+  EXPECT_EQ(ReadText(D / "plain.txt"), "no references\r\nhere\r\n");
   EXPECT_EQ(Messages(R, "2")[1], "Made 0 replacements.");
 }
 
 TEST(ReplaceVariablesE2E, MovesTextsBetweenVariablesAndFiles) {
   TempDir D;
-  WriteBytes(D / "tpl.txt", "v=%VER%");
+  WriteText(D / "tpl.txt", "v=%VER%");
   ZtResult R = RunZt(D.Path(), R"(
 variables:
   VER: 2
@@ -105,8 +105,8 @@ actions:
                                      "The system cannot find the path specified"}));
   EXPECT_EQ(Messages(R, "3"), (Lines{"Loading data from file tpl.txt...", "Made 1 replacements.",
                                      "Writing result to file result.txt"}));
-  EXPECT_EQ(ReadBytes(D / "tpl.txt"), "v=%VER%");
-  EXPECT_EQ(ReadBytes(D / "result.txt"), "v=2\r\n");
+  EXPECT_EQ(ReadText(D / "tpl.txt"), "v=%VER%");
+  EXPECT_EQ(ReadText(D / "result.txt"), "v=2\r\n");
   EXPECT_EQ(Messages(R, "4").back(), "Writing result to source variable.");
   EXPECT_EQ(FinalVariables(R),
             nlohmann::json::parse(R"({"VER":2,"TPL":"a=2\r\nb=%\r\n","OUT":"a=2\r\nb=%\r\n"})"));
@@ -114,7 +114,7 @@ actions:
 
 TEST(ReplaceVariablesE2E, MistakesFailWithoutTouchingTheSource) {
   TempDir D;
-  WriteBytes(D / "tpl.txt", "a=%NOPE%\nb=%VER%");
+  WriteText(D / "tpl.txt", "a=%NOPE%\nb=%VER%");
   ZtResult R = RunZt(D.Path(), R"(
 variables:
   VER: 3
@@ -149,7 +149,7 @@ actions:
                                      "An error occured:", "Destination variable not defined: NEW"}));
   // Unknown references stay as written when they are not errors.
   EXPECT_EQ(Messages(R, "5")[1], "Made 1 replacements.");
-  EXPECT_EQ(ReadBytes(D / "tpl.txt"), "a=%NOPE%\r\nb=3\r\n");
+  EXPECT_EQ(ReadText(D / "tpl.txt"), "a=%NOPE%\r\nb=3\r\n");
 }
 
 }  // namespace

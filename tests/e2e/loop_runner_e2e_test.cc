@@ -8,7 +8,6 @@
 
 #include <gtest/gtest.h>
 
-#include "LoopEvents.h"
 #include "ZtRunner.h"
 #include "support/TempDir.h"
 

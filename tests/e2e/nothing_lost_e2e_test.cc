@@ -16,7 +16,7 @@
 
 #include "ZtRunner.h"
 #include "support/TempDir.h"
-#include "tests/platform/file_util.h"
+#include "support/Files.h"
 
 namespace zt::testing {
 namespace {

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "ZtRunner.h"
-#include "platform/file_util.h"
+#include "support/Files.h"
 #include "support/TempDir.h"
 
 namespace zt::testing {

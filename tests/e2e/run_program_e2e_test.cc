@@ -30,14 +30,6 @@ void Write(const std::string& Path, const std::string& Text, bool Executable = f
   if (Executable) chmod(Path.c_str(), 0755);
 }
 
-// Texts of the host's own lines (host: true) for action Id.
-Lines HostLines(const ZtResult& R, const std::string& Id) {
-  Lines L;
-  for (const auto& E : R.Events)
-    if (E.value("event", "") == "message" && E.value("id", "") == Id && E.value("host", false))
-      L.push_back(E["text"]);
-  return L;
-}
 
 int StatusEvents(const ZtResult& R, const std::string& Id) {
   int N = 0;

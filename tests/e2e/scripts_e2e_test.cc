@@ -17,13 +17,6 @@ namespace {
 namespace fs = std::filesystem;
 using Lines = std::vector<std::string>;
 
-// Host lines (host: true) of action Id.
-Lines HostLines(const ZtResult& R, const std::string& Id) {
-  Lines L;
-  for (const auto& E : R.Events)
-    if (E["event"] == "message" && E["id"] == Id && E.value("host", false)) L.push_back(E["text"]);
-  return L;
-}
 
 TEST(ScriptsE2E, RunScriptTakesItsResultFromActionResult) {
   TempDir D;

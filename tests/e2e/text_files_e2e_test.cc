@@ -6,7 +6,7 @@
 #include <filesystem>
 
 #include "ZtRunner.h"
-#include "support/FileBytes.h"
+#include "support/Files.h"
 #include "support/TempDir.h"
 
 namespace zt::testing {
@@ -25,7 +25,7 @@ Lines Entries(const std::string& Dir) {
 
 TEST(TextFilesE2E, CreateWritesExactBytesAndOverwritesOnlyWhenAsked) {
   TempDir D;
-  WriteBytes(D / "keep.txt", "old, longer contents");
+  WriteText(D / "keep.txt", "old, longer contents");
   ZtResult R = RunZt(D.Path(), R"(
 variables:
   VER: 1.4.2
@@ -48,11 +48,11 @@ actions:
 )");
   EXPECT_EQ(R.ExitCode, 1);
   EXPECT_EQ(Messages(R, "1"), (Lines{"File created: out/sub/version.txt"}));
-  EXPECT_EQ(ReadBytes(D / "out/sub/version.txt"), "v=1.4.2\nsecond\r\n100%");
+  EXPECT_EQ(ReadText(D / "out/sub/version.txt"), "v=1.4.2\nsecond\r\n100%");
   EXPECT_EQ(Messages(R, "2"), (Lines{"ERROR - File already exists: keep.txt"}));
   EXPECT_EQ(ActionResult(R, "2"), "ignored");
   EXPECT_EQ(Messages(R, "3"), (Lines{"File created: keep.txt"}));
-  EXPECT_EQ(ReadBytes(D / "keep.txt"), "1.4.2");  // truncated and rewritten
+  EXPECT_EQ(ReadText(D / "keep.txt"), "1.4.2");  // truncated and rewritten
   // A reference that cannot be expanded fails before any file is made.
   EXPECT_EQ(Messages(R, "4"), (Lines{"Cannot expand File Contents: variable \"NOPE\" is not defined"}));
   EXPECT_FALSE(fs::exists(D / "never.txt"));
@@ -60,13 +60,13 @@ actions:
 
 TEST(TextFilesE2E, AppendAndPrependPutCrLfBetweenOldAndNewContent) {
   TempDir D;
-  WriteBytes(D / "append.txt", "A");
-  WriteBytes(D / "append-eol.txt", "A\n");
-  WriteBytes(D / "empty.txt", "");
-  WriteBytes(D / "prepend.txt", "A\nB");
-  WriteBytes(D / "prepend-empty.txt", "");
+  WriteText(D / "append.txt", "A");
+  WriteText(D / "append-eol.txt", "A\n");
+  WriteText(D / "empty.txt", "");
+  WriteText(D / "prepend.txt", "A\nB");
+  WriteText(D / "prepend-empty.txt", "");
   chmod((D / "prepend.txt").c_str(), 0640);
-  WriteBytes(D / "shared.txt", "A");
+  WriteText(D / "shared.txt", "A");
   fs::create_hard_link(D / "shared.txt", D / "shared-link.txt");  // rewritten in place: both names see it
   ZtResult R = RunZt(D.Path(), R"(
 variables:
@@ -100,13 +100,13 @@ actions:
     WriteToPosition: toStart
 )");
   EXPECT_EQ(R.ExitCode, 0) << R.Stdout;
-  EXPECT_EQ(ReadBytes(D / "append.txt"), "A\r\nn%1");
-  EXPECT_EQ(ReadBytes(D / "append-eol.txt"), "A\n\r\nB");  // the CR LF even after a line break
-  EXPECT_EQ(ReadBytes(D / "empty.txt"), "B");
-  EXPECT_EQ(ReadBytes(D / "prepend.txt"), "x\ny\r\nA\nB");
-  EXPECT_EQ(ReadBytes(D / "prepend-empty.txt"), "B");
-  EXPECT_EQ(ReadBytes(D / "shared-link.txt"), "B\r\nA");
-  EXPECT_EQ(ReadBytes(D / "created.txt"), "C\n");
+  EXPECT_EQ(ReadText(D / "append.txt"), "A\r\nn%1");
+  EXPECT_EQ(ReadText(D / "append-eol.txt"), "A\n\r\nB");  // the CR LF even after a line break
+  EXPECT_EQ(ReadText(D / "empty.txt"), "B");
+  EXPECT_EQ(ReadText(D / "prepend.txt"), "x\ny\r\nA\nB");
+  EXPECT_EQ(ReadText(D / "prepend-empty.txt"), "B");
+  EXPECT_EQ(ReadText(D / "shared-link.txt"), "B\r\nA");
+  EXPECT_EQ(ReadText(D / "created.txt"), "C\n");
   EXPECT_EQ(fs::status(D / "prepend.txt").permissions(), fs::perms(0640));
   EXPECT_EQ(Entries(D.Path()),
             (Lines{"append-eol.txt", "append.txt", "created.txt", "empty.txt", "log.jsonl",
@@ -116,7 +116,7 @@ actions:
 
 TEST(TextFilesE2E, FailedWritesLeaveEveryFileAsItWas) {
   TempDir D;
-  WriteBytes(D / "locked.txt", "old");
+  WriteText(D / "locked.txt", "old");
   chmod((D / "locked.txt").c_str(), 0444);
   fs::create_directory(D / "folder");
   ZtResult R = RunZt(D.Path(), R"(
@@ -158,14 +158,14 @@ actions:
   EXPECT_EQ(Messages(R, "5"),
             (Lines{"File creation failed: Cannot create file \"locked.txt\". Access is denied"}));
   for (const char* Id : {"1", "2", "3", "4", "5"}) EXPECT_EQ(ActionResult(R, Id), "ignored") << Id;
-  EXPECT_EQ(ReadBytes(D / "locked.txt"), "old");
+  EXPECT_EQ(ReadText(D / "locked.txt"), "old");
   EXPECT_EQ(Entries(D.Path()), (Lines{"folder", "locked.txt", "log.jsonl", "project.yml"}));
   EXPECT_TRUE(fs::is_empty(D / "folder"));
 }
 
 TEST(TextFilesE2E, ReadPutsContentsInAVariableThatExpandsBackToTheText) {
   TempDir D;
-  WriteBytes(D / "in.txt", std::string("a%PATH%b$(pwd)\0c\r\nz", 20));
+  WriteText(D / "in.txt", std::string("a%PATH%b$(pwd)\0c\r\nz", 20));
   ZtResult R = RunZt(D.Path(), R"(
 actions:
   - action: Read Text File
@@ -194,7 +194,7 @@ actions:
   nlohmann::json Vars = FinalVariables(R);
   EXPECT_EQ(Vars["RAW"], "a%PATH%b$(pwd)c\r\nz");  // NUL removed
   EXPECT_EQ(Vars["ESC"], "a%%PATH%%b$$(pwd)c\r\nz");
-  EXPECT_EQ(ReadBytes(D / "out.txt"), "a%PATH%b$(pwd)c\r\nz");
+  EXPECT_EQ(ReadText(D / "out.txt"), "a%PATH%b$(pwd)c\r\nz");
   // Without PutContentsInVar and a script the file is only opened.
   EXPECT_EQ(Messages(R, "4"), (Lines{"Reading file...", "Done."}));
   EXPECT_FALSE(Vars.contains("UNUSED"));

@@ -5,7 +5,7 @@
 #include <sys/stat.h>
 
 #include "ZtRunner.h"
-#include "support/FileBytes.h"
+#include "support/Files.h"
 #include "support/TempDir.h"
 
 namespace zt::testing {
@@ -15,7 +15,7 @@ using Lines = std::vector<std::string>;
 
 TEST(VariablesFileE2E, SavedVariablesLoadBackWithTheirTypesInTheNextBuild) {
   TempDir D;
-  WriteBytes(D / "vars.ini", "[ZTVariables]\r\nGONE=1\r\n[Other]\r\nk=v\r\n");
+  WriteText(D / "vars.ini", "[ZTVariables]\r\nGONE=1\r\n[Other]\r\nk=v\r\n");
   ZtResult Save = RunZt(D.Path(), R"(
 variables:
   VER: 1.4.2
@@ -30,7 +30,7 @@ actions:
   EXPECT_EQ(Save.ExitCode, 0) << Save.Stdout;
   EXPECT_EQ(Messages(Save, "1"), (Lines{"Variables saved to vars.ini"}));
   // The section is erased and written again at the end; other sections stay.
-  EXPECT_EQ(ReadBytes(D / "vars.ini"),
+  EXPECT_EQ(ReadText(D / "vars.ini"),
             "[Other]\r\nk=v\r\n[ZTVariables]\r\nVER=1.4.2\r\nCOUNT=7\r\nON=True\r\nDIST=dist/app-1.4.2\r\n");
 
   ZtResult Load = RunZt(D.Path(), R"(
@@ -54,7 +54,7 @@ actions:
 TEST(VariablesFileE2E, LoadedValuesFallBackByTypeAndAreNeverExpanded) {
   TempDir D;
   // Duplicate keys: the first one wins.
-  WriteBytes(D / "v.ini", "[Build]\nB1=maybe\nB2=yes\nB3=0\nI1=12abc\nI2=$1F\nS=%PATH% $(x)\nS=second\n");
+  WriteText(D / "v.ini", "[Build]\nB1=maybe\nB2=yes\nB3=0\nI1=12abc\nI2=$1F\nS=%PATH% $(x)\nS=second\n");
   ZtResult R = RunZt(D.Path(), R"(
 variables:
   B1: true
@@ -78,8 +78,8 @@ actions:
 // One build, one load per case, each failing or not as its flags say.
 TEST(VariablesFileE2E, LoadFailsByItsFlagsInTheirOrder) {
   TempDir D;
-  WriteBytes(D / "v.ini", "[ZTVariables]\r\nA=1\r\nB=2\r\n");
-  WriteBytes(D / "nosection.ini", "A=1\r\n");
+  WriteText(D / "v.ini", "[ZTVariables]\r\nA=1\r\nB=2\r\n");
+  WriteText(D / "nosection.ini", "A=1\r\n");
   ZtResult R = RunZt(D.Path(), R"(
 variables:
   A: 0
@@ -150,14 +150,14 @@ actions:
   }
   // A load that fails keeps what it loaded before: A as text from the fifth action.
   EXPECT_EQ(FinalVariables(R), nlohmann::json::parse(R"({"A":"1","B":"2","C":"c"})"));
-  EXPECT_EQ(ReadBytes(D / "v.ini"), "[ZTVariables]\r\nA=1\r\nB=2\r\nC=c\r\n");
-  EXPECT_EQ(ReadBytes(D / "nosection.ini"), "A=1\r\n");
+  EXPECT_EQ(ReadText(D / "v.ini"), "[ZTVariables]\r\nA=1\r\nB=2\r\nC=c\r\n");
+  EXPECT_EQ(ReadText(D / "nosection.ini"), "A=1\r\n");
 }
 
 TEST(VariablesFileE2E, SaveStopsAtTheFirstBadNameKeepingWhatItWrote) {
   TempDir D;
-  WriteBytes(D / "v.ini", "[ZTVariables]\r\nOLD=1\r\n");
-  WriteBytes(D / "locked.ini", "[ZTVariables]\r\n");
+  WriteText(D / "v.ini", "[ZTVariables]\r\nOLD=1\r\n");
+  WriteText(D / "locked.ini", "[ZTVariables]\r\n");
   chmod((D / "locked.ini").c_str(), 0444);
   ZtResult R = RunZt(D.Path(), R"(
 variables:
@@ -175,9 +175,9 @@ actions:
 )");
   EXPECT_EQ(R.ExitCode, 1);
   EXPECT_EQ(Messages(R, "1"), (Lines{"Error expanding variable: LOOP"}));
-  EXPECT_EQ(ReadBytes(D / "v.ini"), "[ZTVariables]\r\nOLD=1\r\nA=a\r\n");
+  EXPECT_EQ(ReadText(D / "v.ini"), "[ZTVariables]\r\nOLD=1\r\nA=a\r\n");
   EXPECT_EQ(Messages(R, "2"), (Lines{"Error Opening Ini File : Unable to write to locked.ini"}));
-  EXPECT_EQ(ReadBytes(D / "locked.ini"), "[ZTVariables]\r\n");
+  EXPECT_EQ(ReadText(D / "locked.ini"), "[ZTVariables]\r\n");
 }
 
 }  // namespace

@@ -5,7 +5,7 @@
 #include <random>
 #include <string>
 
-#include "support/FileBytes.h"
+#include "support/Files.h"
 #include "platform/env.h"
 #include "platform/errors.h"
 #include "platform/files.h"
@@ -15,9 +15,9 @@
 namespace zt::platform {
 namespace {
 
-using zt::testing::ReadBytes;
+using zt::testing::ReadText;
 using zt::testing::TempDir;
-using zt::testing::WriteBytes;
+using zt::testing::WriteText;
 
 std::string Garbage(std::size_t Size) {
   std::mt19937 Gen(20240305);
@@ -34,13 +34,13 @@ std::string Garbage(std::size_t Size) {
 TEST(IniBadInputTest, BinaryGarbageIsReadAndAppendedTo) {
   TempDir Dir;
   const std::string Before = Garbage(1 << 16);
-  WriteBytes(Dir / "a.ini", Before);
+  WriteText(Dir / "a.ini", Before);
   TIniFile Ini(Dir / "a.ini");
   Ini.ReadSections();
   Ini.ReadSectionValues("x");
   EXPECT_EQ(Ini.ReadString("zt-section", "k", "d"), "d");
   Ini.WriteString("zt-section", "k", "v");
-  std::string After = ReadBytes(Dir / "a.ini");
+  std::string After = ReadText(Dir / "a.ini");
   ASSERT_GT(After.size(), Before.size());
   EXPECT_EQ(After.substr(0, Before.size()), Before);
   EXPECT_EQ(Ini.ReadString("zt-section", "k", "d"), "v");
@@ -49,18 +49,18 @@ TEST(IniBadInputTest, BinaryGarbageIsReadAndAppendedTo) {
 TEST(IniBadInputTest, TenMegabyteLineIsKept) {
   TempDir Dir;
   const std::string Long(10 << 20, 'a');
-  WriteBytes(Dir / "a.ini", Long + "\r\n[s]\r\nbig=" + Long + "\r\nk=1\r\n");
+  WriteText(Dir / "a.ini", Long + "\r\n[s]\r\nbig=" + Long + "\r\nk=1\r\n");
   TIniFile Ini(Dir / "a.ini");
   EXPECT_EQ(Ini.ReadString("s", "k", ""), "1");
   EXPECT_EQ(Ini.ReadString("s", "big", ""), std::string(2047, 'a'));
   Ini.WriteString("s", "k", "2");
-  EXPECT_EQ(ReadBytes(Dir / "a.ini"), Long + "\r\n[s]\r\nbig=" + Long + "\r\nk=2\r\n");
+  EXPECT_EQ(ReadText(Dir / "a.ini"), Long + "\r\n[s]\r\nbig=" + Long + "\r\nk=2\r\n");
 }
 
 TEST(IniBadInputTest, ReadOnlyFileRefusedAndUnchanged) {
   TempDir Dir;
   const std::string Path = Dir / "a.ini", Before = "[s]\r\nk=1\r\n";
-  WriteBytes(Path, Before);
+  WriteText(Path, Before);
   ASSERT_TRUE(SetFileAttributesA(Path, FILE_ATTRIBUTE_READONLY));
   TIniFile Ini(Path);
   try {
@@ -72,23 +72,23 @@ TEST(IniBadInputTest, ReadOnlyFileRefusedAndUnchanged) {
   }
   EXPECT_THROW(Ini.EraseSection("s"), EIniFileException);
   Ini.DeleteKey("s", "k");  // failure ignored
-  EXPECT_EQ(ReadBytes(Path), Before);
+  EXPECT_EQ(ReadText(Path), Before);
   EXPECT_EQ(Ini.ReadString("s", "k", ""), "1");
 }
 
 TEST(IniBadInputTest, FileLockedByAnotherWriterRefusedAndUnchanged) {
   TempDir Dir;
   const std::string Path = Dir / "a.ini", Before = "[s]\r\nk=1\r\n";
-  WriteBytes(Path, Before);
+  WriteText(Path, Before);
   THandle Other = FileOpen(Path, fmOpenReadWrite | fmShareExclusive);
   ASSERT_NE(Other, INVALID_HANDLE_VALUE);
   TIniFile Ini(Path);
   EXPECT_THROW(Ini.WriteString("s", "k", "2"), EIniFileException);
   EXPECT_EQ(GetLastError(), ERROR_SHARING_VIOLATION);
   FileClose(Other);
-  EXPECT_EQ(ReadBytes(Path), Before);
+  EXPECT_EQ(ReadText(Path), Before);
   Ini.WriteString("s", "k", "2");  // free again
-  EXPECT_EQ(ReadBytes(Path), "[s]\r\nk=2\r\n");
+  EXPECT_EQ(ReadText(Path), "[s]\r\nk=2\r\n");
 }
 
 // A disk that fills up while the new file is written.
@@ -104,12 +104,12 @@ class FullDiskEnv : public EnvWrapper {
 TEST(IniBadInputTest, FailedWriteLeavesFileAndReportsError) {
   TempDir Dir;
   const std::string Path = Dir / "a.ini", Before = "[s]\r\nk=1\r\n";
-  WriteBytes(Path, Before);
+  WriteText(Path, Before);
   FullDiskEnv Full;
   ScopedEnv Use(&Full);
   EXPECT_THROW(TIniFile(Path).WriteString("s", "k", "2"), EIniFileException);
   EXPECT_EQ(GetLastError(), ERROR_DISK_FULL);
-  EXPECT_EQ(ReadBytes(Path), Before);
+  EXPECT_EQ(ReadText(Path), Before);
 }
 
 TEST(IniBadInputTest, DirectoryIsNoIniFile) {

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "support/FileBytes.h"
+#include "support/Files.h"
 #include "platform/inifile.h"
 #include "support/TempDir.h"
 
@@ -12,7 +12,7 @@ namespace zt::platform {
 namespace {
 
 using zt::testing::TempDir;
-using zt::testing::WriteBytes;
+using zt::testing::WriteText;
 
 struct ReadCase {
   const char* Name;
@@ -26,7 +26,7 @@ class ReadStringTest : public ::testing::TestWithParam<ReadCase> {};
 TEST_P(ReadStringTest, GivesExpectedValue) {
   const ReadCase& C = GetParam();
   TempDir Dir;
-  WriteBytes(Dir / "a.ini", C.File);
+  WriteText(Dir / "a.ini", C.File);
   EXPECT_EQ(TIniFile(Dir / "a.ini").ReadString(C.Section, C.Key, C.Default), C.Expected);
 }
 
@@ -102,7 +102,7 @@ class ReadIntegerTest : public ::testing::TestWithParam<IntCase> {};
 TEST_P(ReadIntegerTest, ConvertsAsDelphiDoes) {
   const IntCase& C = GetParam();
   TempDir Dir;
-  WriteBytes(Dir / "a.ini", "[s]\r\nk=" + C.Value + "\r\n");
+  WriteText(Dir / "a.ini", "[s]\r\nk=" + C.Value + "\r\n");
   EXPECT_EQ(TIniFile(Dir / "a.ini").ReadInteger("s", "k", C.Default), C.Expected);
 }
 
@@ -124,7 +124,7 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST(IniReadTest, ReadBoolReadsAnInteger) {
   TempDir Dir;
-  WriteBytes(Dir / "a.ini", "[s]\nOne=1\nZero=0\nTwo=2\nMinus=-1\nWord=true\nHex=0x0\n");
+  WriteText(Dir / "a.ini", "[s]\nOne=1\nZero=0\nTwo=2\nMinus=-1\nWord=true\nHex=0x0\n");
   TIniFile Ini(Dir / "a.ini");
   EXPECT_TRUE(Ini.ReadBool("s", "One", false));
   EXPECT_FALSE(Ini.ReadBool("s", "Zero", true));
@@ -139,27 +139,27 @@ TEST(IniReadTest, ReadBoolReadsAnInteger) {
 
 TEST(IniReadTest, SectionsListEveryHeaderInFileOrder) {
   TempDir Dir;
-  WriteBytes(Dir / "a.ini", "k=0\n[b]\nx=1\n[ a ]\n[]\n;[c]\n[B]\n");
+  WriteText(Dir / "a.ini", "k=0\n[b]\nx=1\n[ a ]\n[]\n;[c]\n[B]\n");
   EXPECT_EQ(TIniFile(Dir / "a.ini").ReadSections(), (std::vector<std::string>{"b", "a", "B"}));
 }
 
 TEST(IniReadTest, SectionListsKeysOfFirstOccurrenceOnly) {
   TempDir Dir;
-  WriteBytes(Dir / "a.ini", "[s]\n k = 1\n;c=2\nplain\n\nK=3\nj=\n[t]\nz=1\n[S]\nw=1\n");
+  WriteText(Dir / "a.ini", "[s]\n k = 1\n;c=2\nplain\n\nK=3\nj=\n[t]\nz=1\n[S]\nw=1\n");
   EXPECT_EQ(TIniFile(Dir / "a.ini").ReadSection("S"), (std::vector<std::string>{"k", "K", "j"}));
   EXPECT_TRUE(TIniFile(Dir / "a.ini").ReadSection("none").empty());
 }
 
 TEST(IniReadTest, SectionValuesShowFirstValueOfRepeatedName) {
   TempDir Dir;
-  WriteBytes(Dir / "a.ini", "[s]\nk=\"q\"\nK=2\nj = 3 \nempty=\n[t]\nx=1\n");
+  WriteText(Dir / "a.ini", "[s]\nk=\"q\"\nK=2\nj = 3 \nempty=\n[t]\nx=1\n");
   EXPECT_EQ(TIniFile(Dir / "a.ini").ReadSectionValues("s"),
             (std::vector<std::string>{"k=q", "K=q", "j=3", "empty="}));
 }
 
 TEST(IniReadTest, SectionExistsOnlyWithAKey) {
   TempDir Dir;
-  WriteBytes(Dir / "a.ini", "[empty]\n; note\nplain\n[full]\nk=1\n");
+  WriteText(Dir / "a.ini", "[empty]\n; note\nplain\n[full]\nk=1\n");
   TIniFile Ini(Dir / "a.ini");
   EXPECT_FALSE(Ini.SectionExists("empty"));
   EXPECT_TRUE(Ini.SectionExists("FULL"));
@@ -168,7 +168,7 @@ TEST(IniReadTest, SectionExistsOnlyWithAKey) {
 
 TEST(IniReadTest, ValueExistsIgnoresCaseButNotBlanks) {
   TempDir Dir;
-  WriteBytes(Dir / "a.ini", "[s]\n Key = 1\nplain\n");
+  WriteText(Dir / "a.ini", "[s]\n Key = 1\nplain\n");
   TIniFile Ini(Dir / "a.ini");
   EXPECT_TRUE(Ini.ValueExists("s", "KEY"));
   EXPECT_FALSE(Ini.ValueExists("s", " Key"));

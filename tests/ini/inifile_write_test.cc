@@ -5,7 +5,7 @@
 #include <optional>
 #include <string>
 
-#include "support/FileBytes.h"
+#include "support/Files.h"
 #include "platform/files.h"
 #include "platform/inifile.h"
 #include "support/TempDir.h"
@@ -13,9 +13,9 @@
 namespace zt::platform {
 namespace {
 
-using zt::testing::ReadBytes;
+using zt::testing::ReadText;
 using zt::testing::TempDir;
-using zt::testing::WriteBytes;
+using zt::testing::WriteText;
 
 struct WriteCase {
   const char* Name;
@@ -30,12 +30,12 @@ TEST_P(WriteTest, LeavesExpectedFile) {
   const WriteCase& C = GetParam();
   TempDir Dir;
   const std::string Path = Dir / "a.ini";
-  if (C.Before) WriteBytes(Path, *C.Before);
+  if (C.Before) WriteText(Path, *C.Before);
   TIniFile Ini(Path);
   C.Call(Ini);
   ASSERT_EQ(FileExists(Path), C.After.has_value());
   if (C.After) {
-    EXPECT_EQ(ReadBytes(Path), *C.After);
+    EXPECT_EQ(ReadText(Path), *C.After);
   }
 }
 

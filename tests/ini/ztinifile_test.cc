@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "support/FileBytes.h"
+#include "support/Files.h"
 #include "platform/files.h"
 #include "support/ActionTesting.h"
 #include "support/FakeHost.h"
@@ -17,10 +17,10 @@ namespace {
 
 using frame::TZTVariant;
 using Lines = std::vector<std::string>;
-using zt::testing::ReadBytes;
+using zt::testing::ReadText;
 using zt::testing::TempDir;
 using zt::testing::ValidationErrors;
-using zt::testing::WriteBytes;
+using zt::testing::WriteText;
 
 // Also records each sent entry's own text and how many entries were made.
 class Host : public zt::testing::FakeHost {
@@ -62,7 +62,7 @@ class IniActionTest : public ::testing::Test {
 // ---- Read Ini File ----
 
 TEST_F(IniActionTest, ReadStoresValueInVariable) {
-  WriteBytes(Path(), "[build]\r\nversion = \"1.4.2\"\r\n");
+  WriteText(Path(), "[build]\r\nversion = \"1.4.2\"\r\n");
   Read.SetDefaultValue("none");
   EXPECT_TRUE(Read.Execute());
   EXPECT_EQ(H.StatusEntries,
@@ -83,7 +83,7 @@ TEST_F(IniActionTest, ReadOfAbsentKeyGivesExpandedDefault) {
 }
 
 TEST_F(IniActionTest, ReadExpandsNamesAndTrimsSectionOnly) {
-  WriteBytes(Path(), "[Build]\r\nVersion=7\r\n");
+  WriteText(Path(), "[Build]\r\nVersion=7\r\n");
   H.Variables["S"] = TZTVariant(" Build ");
   Read.SetSection("%S%");
   Read.SetValueName(" Version ");
@@ -94,7 +94,7 @@ TEST_F(IniActionTest, ReadExpandsNamesAndTrimsSectionOnly) {
 }
 
 TEST_F(IniActionTest, ReadUsesVariableNameUnexpanded) {
-  WriteBytes(Path(), "[Build]\r\nVersion=7\r\n");
+  WriteText(Path(), "[Build]\r\nVersion=7\r\n");
   Read.SetVariableName("%DIR%");
   EXPECT_TRUE(Read.Execute());
   EXPECT_EQ(H.Variables["%DIR%"], TZTVariant("7"));
@@ -109,7 +109,7 @@ TEST_F(IniActionTest, ReadBooleanAcceptsTrueDefaultInAnyCaseWithBlanks) {
 }
 
 TEST_F(IniActionTest, ReadBooleanReadsKeyAsInteger) {
-  WriteBytes(Path(), "[Build]\r\nVersion=2\r\nWord=true\r\n");
+  WriteText(Path(), "[Build]\r\nVersion=2\r\nWord=true\r\n");
   Read.SetValueType(vtBool);
   Read.SetDefaultValue("false");
   EXPECT_TRUE(Read.Execute());
@@ -133,7 +133,7 @@ TEST_F(IniActionTest, ReadBooleanRefusesOtherDefaults) {
 }
 
 TEST_F(IniActionTest, ReadIntegerConvertsHexAndStoresInteger) {
-  WriteBytes(Path(), "[Build]\r\nVersion=0x10\r\n");
+  WriteText(Path(), "[Build]\r\nVersion=0x10\r\n");
   Read.SetValueType(vtInteger);
   Read.SetDefaultValue("5");
   EXPECT_TRUE(Read.Execute());
@@ -186,13 +186,13 @@ TEST_F(IniActionTest, ReadReportsEachFailedExpansion) {
 // ---- Write Ini File ----
 
 TEST_F(IniActionTest, WriteStringSplicesLineWithoutBlankBeforeSection) {
-  WriteBytes(Path(), "; release\r\n[Build]\r\nVersion=1\r\nOther=x\r\n");
+  WriteText(Path(), "; release\r\n[Build]\r\nVersion=1\r\nOther=x\r\n");
   H.Variables["VER"] = TZTVariant("1.4.2");
   Write.SetNewValue("%VER%");
   EXPECT_TRUE(Write.Execute());
   EXPECT_EQ(H.StatusEntries,
             (std::vector<Lines>{{"Writing to IniFile: " + Path() + "Section : Build ValueName: Version Value: 1.4.2"}}));
-  EXPECT_EQ(ReadBytes(Path()), "; release\r\n[Build]\r\nVersion=1.4.2\r\nOther=x\r\n");
+  EXPECT_EQ(ReadText(Path()), "; release\r\n[Build]\r\nVersion=1.4.2\r\nOther=x\r\n");
 }
 
 TEST_F(IniActionTest, WriteToMissingFileNeedsAllowCreate) {
@@ -202,54 +202,54 @@ TEST_F(IniActionTest, WriteToMissingFileNeedsAllowCreate) {
   EXPECT_FALSE(platform::FileExists(Path()));
   Write.SetAllowCreate(true);
   EXPECT_TRUE(Write.Execute());
-  EXPECT_EQ(ReadBytes(Path()), "[Build]\r\nVersion=1\r\n");
+  EXPECT_EQ(ReadText(Path()), "[Build]\r\nVersion=1\r\n");
 }
 
 TEST_F(IniActionTest, WriteToReadOnlyFileLeavesItUntouched) {
-  WriteBytes(Path(), "[Build]\r\nVersion=1\r\n");
+  WriteText(Path(), "[Build]\r\nVersion=1\r\n");
   ASSERT_TRUE(platform::SetFileAttributesA(Path(), platform::FILE_ATTRIBUTE_READONLY));
   Write.SetNewValue("2");
   EXPECT_FALSE(Write.Execute());
   EXPECT_EQ(H.Messages, (Lines{"File : " + Path() + " is marked as Read Only!"}));
   EXPECT_EQ(H.Created, 0);
-  EXPECT_EQ(ReadBytes(Path()), "[Build]\r\nVersion=1\r\n");
+  EXPECT_EQ(ReadText(Path()), "[Build]\r\nVersion=1\r\n");
 }
 
 TEST_F(IniActionTest, WriteBooleanStoresOneOrZero) {
-  WriteBytes(Path(), "[Build]\r\n");
+  WriteText(Path(), "[Build]\r\n");
   Write.SetValueType(vtBool);
   Write.SetNewValue("TRUE");
   EXPECT_TRUE(Write.Execute());
-  EXPECT_EQ(ReadBytes(Path()), "[Build]\r\nVersion=1\r\n");
+  EXPECT_EQ(ReadText(Path()), "[Build]\r\nVersion=1\r\n");
   Write.SetNewValue("0");
   EXPECT_TRUE(Write.Execute());
-  EXPECT_EQ(ReadBytes(Path()), "[Build]\r\nVersion=0\r\n");
+  EXPECT_EQ(ReadText(Path()), "[Build]\r\nVersion=0\r\n");
   EXPECT_EQ(H.AllDetails(), (Lines{"Writing to IniFile: " + Path() + "Section : Build ValueName: Version Value: True",
                                    "Writing to IniFile: " + Path() + "Section : Build ValueName: Version Value: False"}));
 }
 
 TEST_F(IniActionTest, WriteBooleanRefusesOtherText) {
-  WriteBytes(Path(), "[Build]\r\nVersion=1\r\n");
+  WriteText(Path(), "[Build]\r\nVersion=1\r\n");
   Write.SetValueType(vtBool);
   Write.SetNewValue("yes");
   EXPECT_FALSE(Write.Execute());
   EXPECT_EQ(H.StatusEntries,
             (std::vector<Lines>{{"Unable to Write to Ini File : " + Path(), "'yes' is not a valid boolean value"}}));
-  EXPECT_EQ(ReadBytes(Path()), "[Build]\r\nVersion=1\r\n");
+  EXPECT_EQ(ReadText(Path()), "[Build]\r\nVersion=1\r\n");
 }
 
 TEST_F(IniActionTest, WriteIntegerPutsLineAsEntryText) {
-  WriteBytes(Path(), "[Build]\r\n");
+  WriteText(Path(), "[Build]\r\n");
   Write.SetValueType(vtInteger);
   Write.SetNewValue("$2A");
   EXPECT_TRUE(Write.Execute());
   EXPECT_EQ(H.EntryTexts, (Lines{"Writing to IniFile: " + Path() + "Section : Build ValueName: Version Value: 42"}));
   EXPECT_EQ(H.StatusEntries, (std::vector<Lines>{{}}));
-  EXPECT_EQ(ReadBytes(Path()), "[Build]\r\nVersion=42\r\n");
+  EXPECT_EQ(ReadText(Path()), "[Build]\r\nVersion=42\r\n");
 }
 
 TEST_F(IniActionTest, WriteIntegerDropsEntryForNonInteger) {
-  WriteBytes(Path(), "[Build]\r\nVersion=1\r\n");
+  WriteText(Path(), "[Build]\r\nVersion=1\r\n");
   Write.SetValueType(vtInteger);
   for (const char* Value : {"abc", "-990234"}) {
     Write.SetNewValue(Value);
@@ -258,7 +258,7 @@ TEST_F(IniActionTest, WriteIntegerDropsEntryForNonInteger) {
   EXPECT_EQ(H.Created, 2);
   EXPECT_TRUE(H.StatusEntries.empty());
   EXPECT_TRUE(H.Messages.empty());
-  EXPECT_EQ(ReadBytes(Path()), "[Build]\r\nVersion=1\r\n");
+  EXPECT_EQ(ReadText(Path()), "[Build]\r\nVersion=1\r\n");
 }
 
 TEST_F(IniActionTest, WriteReportsEachFailedStep) {

@@ -8,7 +8,7 @@
 #include "platform/env.h"
 #include "platform/errors.h"
 #include "support/FakeHost.h"
-#include "support/FileBytes.h"
+#include "support/Files.h"
 #include "support/TempDir.h"
 #include "text/Ztcreatetextfileaction.h"
 #include "text/Ztwritetotextfileaction.h"
@@ -43,7 +43,7 @@ std::size_t EntriesIn(const std::string& Dir) {
 TEST(TextFileFaultsTest, FullDiskKeepsTheOldContentWholeAndLeavesNoTemporaryFile) {
   TempDir D;
   const std::string Path = D / "report.txt";
-  WriteBytes(Path, "old content");
+  WriteText(Path, "old content");
   FakeHost Host;
   package::TZTWriteToTextFileAction Prepend;
   Prepend.SetHost(&Host);
@@ -64,7 +64,7 @@ TEST(TextFileFaultsTest, FullDiskKeepsTheOldContentWholeAndLeavesNoTemporaryFile
                                   "There is not enough space on the disk",
                                   "File creation failed: Cannot create file \"" + Path +
                                       "\". There is not enough space on the disk"}));
-  EXPECT_EQ(ReadBytes(Path), "old content");
+  EXPECT_EQ(ReadText(Path), "old content");
   EXPECT_EQ(EntriesIn(D.Path()), 1u);
 }
 

@@ -12,7 +12,7 @@
 #include "platform/env.h"
 #include "platform/stop.h"
 #include "platform/system_paths.h"
-#include "tests/platform/file_util.h"
+#include "support/Files.h"
 #include "tests/support/TempDir.h"
 
 namespace zt::platform {

@@ -3,7 +3,7 @@
 #include <sys/stat.h>
 
 #include "platform/files.h"
-#include "tests/platform/file_util.h"
+#include "support/Files.h"
 #include "tests/support/TempDir.h"
 
 namespace zt::platform {

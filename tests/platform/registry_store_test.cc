@@ -11,7 +11,7 @@
 #include <filesystem>
 #include <string>
 
-#include "file_util.h"
+#include "support/Files.h"
 #include "platform/env.h"
 #include "platform/registry.h"
 #include "platform/registry_data.h"
