@@ -224,7 +224,9 @@ void ExpectCases(const std::vector<ActionCase>& Cases, const std::vector<std::st
     std::vector<std::string> Expected = C.After;
     std::sort(Expected.begin(), Expected.end());
     EXPECT_EQ(After, Expected);
-    if (!C.Variables.empty()) EXPECT_EQ(FinalVariables(R), nlohmann::json::parse(C.Variables));
+    if (!C.Variables.empty()) {
+      EXPECT_EQ(FinalVariables(R), nlohmann::json::parse(C.Variables));
+    }
   }
 }
 

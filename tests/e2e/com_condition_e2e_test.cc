@@ -90,14 +90,8 @@ actions:
     UseProgID: false
     CLSID: "{0002DF01-0000-0000-C000-000000000046}"
     actions:
-      - action: Delete Registry Value
-        RegRoot: HKEY_CURRENT_USER
-        RegKey: Nowhere
-        RegValueName: x
-      - action: Delete Registry Value
-        RegRoot: HKEY_CURRENT_USER
-        RegKey: Nowhere
-        RegValueName: y
+      - {action: Delete Registry Value, RegRoot: HKEY_CURRENT_USER, RegKey: Nowhere, RegValueName: x}
+      - {action: Delete Registry Value, RegRoot: HKEY_CURRENT_USER, RegKey: Nowhere, RegValueName: y}
 )",
                      {"--registry", Store});
   EXPECT_EQ(R.ExitCode, 1);

@@ -44,10 +44,8 @@ TEST(DeleteDirectoryEndToEnd, DeletesTheTreeButNeverWhatALinkLeadsTo) {
   MakeTree(Dir);
   ZtResult R = RunZt(Dir.Path(), R"(name: Clean
 actions:
-  - action: Delete Directory
-    FileOrDirectory: out/
-  - action: Delete Directory
-    FileOrDirectory: out
+  - {action: Delete Directory, FileOrDirectory: out/}
+  - {action: Delete Directory, FileOrDirectory: out}
 )");
   EXPECT_EQ(R.ExitCode, 0) << R.Stderr;
   // Files: a.txt, b.txt, the dangling link; directories: deep, the link, sub, out.
@@ -208,14 +206,8 @@ TEST(MoveDirectoryEndToEnd, ReplacesAnExistingDirectoryOnlyWhenAsked) {
   MakeReadOnly(Dir / "dist/old/stale.txt");
   ZtResult R = RunZt(Dir.Path(), R"(name: Move
 actions:
-  - action: Move Directory
-    FileOrDirectory: out/sub/
-    Target: dist/old
-    ReplaceExisting: true
-  - action: Move Directory
-    FileOrDirectory: dist/old
-    Target: new/parents/here
-    Force: true
+  - {action: Move Directory, FileOrDirectory: out/sub/, Target: dist/old, ReplaceExisting: true}
+  - {action: Move Directory, FileOrDirectory: dist/old, Target: new/parents/here, Force: true}
 )");
   EXPECT_EQ(R.ExitCode, 0) << R.Stderr;
   EXPECT_EQ(StatusDetails(R, "1"), (Lines{"Moving directory : out/sub -> dist/old",
@@ -279,10 +271,8 @@ TEST(DirectoryActionsEndToEnd, ValidateAndDescribeNameWhatIsMissing) {
   const std::string Project = R"(name: Dirs
 actions:
   - action: Delete Directory
-  - action: Move Directory
-    FileOrDirectory: "%OUT%"
-  - action: Rename File or Directory
-    NewName: b
+  - {action: Move Directory, FileOrDirectory: "%OUT%"}
+  - {action: Rename File or Directory, NewName: b}
 )";
   ZtResult R = RunZt(Dir.Path(), Project, {}, "validate");
   EXPECT_EQ(R.ExitCode, 1);

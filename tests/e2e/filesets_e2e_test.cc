@@ -1,90 +1,63 @@
 // Project file sets through zt: a set defined under `filesets:` reaches the
-// actions that name it; a set that is not defined is "not found", never a
-// crash.
-#include <filesystem>
-#include <fstream>
+// actions that name it, in any letter case; excluded and unmatched files do
+// not count; a set is read once until refreshed; a set that is not defined
+// is "not found", never a crash.
+#include <string>
+#include <vector>
 
 #include <gtest/gtest.h>
 
 #include "ZtRunner.h"
+#include "support/Files.h"
 #include "support/TempDir.h"
 
 namespace zt::testing {
 namespace {
 
-namespace fs = std::filesystem;
 using Lines = std::vector<std::string>;
 
-void Make(const TempDir& D, const std::string& Relative) {
-  fs::create_directories(fs::path(D / Relative).parent_path());
-  std::ofstream(D / Relative) << "x";
-}
-
-const char* kProject = R"(
-filesets:
-  Sources:
-    base: src
-    include: ["**/*.cpp"]
-    exclude: ["**/generated/**"]
+TEST(FileSetsE2E, CheckIfFileExistsFindsTheFilesOfAProjectFileSet) {
+  const struct {
+    Lines Files;
+    std::string Set;
+    Lines Said;
+    std::string Result;
+  } Cases[] = {
+      {{"src/a/main.cpp"}, "sources", {"Found files from File Set"}, "success"},
+      {{"src/generated/gen.cpp", "src/readme.txt"}, "Sources", {"Found no files from File Set"}, "failure"},
+      {{}, "Sources", {"Found no files from File Set"}, "failure"},  // no base directory: an empty set
+      {{"src/main.cpp"}, "Headers", {"Could not find FileSet: Headers"}, "failure"},
+  };
+  for (const auto& C : Cases) {
+    TempDir D;
+    MakeTree(D.Path(), C.Files);
+    ZtResult R = RunZt(D.Path(), R"(filesets:
+  Sources: {base: src, include: ["**/*.cpp"], exclude: ["**/generated/**"]}
 actions:
-  - action: Check if File Exists
-    UseFileSpec: false
-    FileSet: %s
-    Variable: Any
-)";
-
-std::string Project(const std::string& SetName) {
-  std::string P = kProject;
-  P.replace(P.find("%s"), 2, SetName);
-  return P;
-}
-
-TEST(FileSetsE2E, CheckFindsTheFilesOfAProjectFileSet) {
-  TempDir D;
-  Make(D, "src/a/main.cpp");
-  ZtResult R = RunZt(D.Path(), Project("sources"));
-  EXPECT_EQ(R.ExitCode, 0) << R.Stdout << R.Stderr;
-  EXPECT_EQ(Messages(R, "1"), (Lines{"Found files from File Set"}));
-  EXPECT_EQ(R.Events[R.Events.size() - 2]["values"]["Any"], true);
-}
-
-TEST(FileSetsE2E, ExcludedAndUnmatchedFilesDoNotCount) {
-  TempDir D;
-  Make(D, "src/generated/gen.cpp");
-  Make(D, "src/readme.txt");
-  ZtResult R = RunZt(D.Path(), Project("Sources"));
-  EXPECT_EQ(R.ExitCode, 1);
-  EXPECT_EQ(Messages(R, "1"), (Lines{"Found no files from File Set"}));
-  EXPECT_EQ(R.Events[R.Events.size() - 2]["values"]["Any"], false);
-}
-
-TEST(FileSetsE2E, MissingBaseDirectoryIsAnEmptySet) {
-  TempDir D;
-  ZtResult R = RunZt(D.Path(), Project("Sources"));
-  EXPECT_EQ(R.ExitCode, 1);
-  EXPECT_EQ(Messages(R, "1"), (Lines{"Found no files from File Set"}));
-}
-
-TEST(FileSetsE2E, UndefinedFileSetIsNotFound) {
-  TempDir D;
-  Make(D, "src/main.cpp");
-  ZtResult R = RunZt(D.Path(), Project("Headers"));
-  EXPECT_EQ(R.ExitCode, 1);
-  EXPECT_EQ(Messages(R, "1"), (Lines{"Could not find FileSet: Headers"}));
-  EXPECT_EQ(ActionResult(R, "1"), "failure");
-}
-
-TEST(FileSetsE2E, ProjectWithoutFileSetsFindsNone) {
-  TempDir D;
-  ZtResult R = RunZt(D.Path(), R"(
-actions:
-  - action: Check if File Exists
-    UseFileSpec: false
-    FileSet: Anything
-    ExistsMode: feIgnore
+  - {action: Check if File Exists, UseFileSpec: false, FileSet: )" + C.Set + R"(, Variable: Any}
 )");
+    EXPECT_EQ(Said(R, "1"), C.Said) << C.Set;
+    EXPECT_EQ(ActionResult(R, "1"), C.Result) << C.Set;
+    EXPECT_EQ(FinalValue(R, "Any"), C.Result == "success") << C.Set;
+  }
+}
+
+TEST(FileSetsE2E, ASetIsReadOnceUntilRefreshedAndAProjectWithoutSetsFindsNone) {
+  TempDir D;
+  MakeTree(D.Path(), {"src/main.cpp"});
+  ZtResult R = RunZt(D.Path(), R"(filesets:
+  Sources: {base: src, include: ["*.cpp"]}
+actions:
+  - {action: Check if File Exists, UseFileSpec: false, FileSet: Sources}
+  - {action: Delete File(s), FileSpec: src/main.cpp}
+  - {action: Check if File Exists, UseFileSpec: false, FileSet: Sources}
+)");
+  EXPECT_EQ(Said(R, "1"), Lines{"Found files from File Set"});
+  EXPECT_EQ(Said(R, "3"), Lines{"Found no files from File Set"});  // its one file is gone
+  R = RunZt(D.Path(), "actions:\n  - {action: Check if File Exists, UseFileSpec: false, FileSet: Any, "
+                      "ExistsMode: feIgnore}\n");
   EXPECT_EQ(R.ExitCode, 0) << R.Stderr;
-  EXPECT_EQ(Messages(R, "1"), (Lines{"Could not find FileSet: Anything"}));
+  EXPECT_EQ(Said(R, "1"), Lines{"Could not find FileSet: Any"});
 }
 
 }  // namespace

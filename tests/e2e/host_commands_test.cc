@@ -11,17 +11,12 @@ namespace {
 
 const char* kTree = R"(
 actions:
-  - action: Delete File(s)
-    title: Clean
-    FileSpec: out/*.o
-    ignoreFailure: true
-  - action: TDeleteFilesAction
-    enabled: false
+  - {action: Delete File(s), title: Clean, FileSpec: out/*.o, ignoreFailure: true}
+  - {action: TDeleteFilesAction, enabled: false}
   - action: File Iterator
     title: Parent
     actions:
-      - action: Delete File(s)
-        FileSpec: x
+      - {action: Delete File(s), FileSpec: x}
       - action: Delete File(s)
 )";
 
@@ -58,50 +53,17 @@ TEST(HostCommandsTest, DescribePrintsTheTreeIndentedByDepth) {
             "  Delete File(s) [  ]\n");
 }
 
-TEST(HostCommandsTest, ActionsListsTypesInRegistrationOrderAndMarksUnavailable) {
+// The palette itself is checked line for line in registration_e2e_test.cc.
+TEST(HostCommandsTest, ActionsAvailableLeavesOutTheTypesNotAvailableYet) {
   TempDir D;
-  ZtResult R = RunZtArgs(D.Path(), {"actions"});
-  EXPECT_EQ(R.ExitCode, 0) << R.Stderr;
-  std::vector<std::string> Lines;
-  for (std::size_t S = 0, E; (E = R.Stdout.find('\n', S)) != std::string::npos; S = E + 1)
-    Lines.push_back(R.Stdout.substr(S, E - S));
-  ASSERT_EQ(Lines.size(), 51u);
-  EXPECT_EQ(Lines[4].rfind("Files & Directories  Delete File(s) ", 0), 0u) << Lines[4];
-  EXPECT_NE(Lines[4].find(" TDeleteFilesAction "), std::string::npos);
-  EXPECT_EQ(Lines[4].find("not available yet"), std::string::npos);
+  const std::string All = RunZtArgs(D.Path(), {"actions"}).Stdout;
+  const std::string Available = RunZtArgs(D.Path(), {"actions", "--available"}).Stdout;
   std::size_t Unavailable = 0;
-  for (const auto& L : Lines) {
-    auto Mark = L.find("(not available yet)");
-    if (Mark != std::string::npos) {
-      EXPECT_EQ(Mark + 19, L.size()) << L;
-      ++Unavailable;
-    }
-  }
-  R = RunZtArgs(D.Path(), {"actions", "--available"});
-  EXPECT_EQ(R.Stdout.find("not available yet"), std::string::npos);
-  EXPECT_EQ(static_cast<std::size_t>(std::count(R.Stdout.begin(), R.Stdout.end(), '\n')), 51 - Unavailable);
-}
-
-TEST(HostCommandsTest, ActionsDesignerAddsEditorsAndPagesBelowEachType) {
-  TempDir D;
-  ZtResult R = RunZtArgs(D.Path(), {"actions", "--designer"});
-  EXPECT_EQ(R.ExitCode, 0) << R.Stderr;
-  std::size_t Start = R.Stdout.find("Delete File(s)");
-  std::string Block = R.Stdout.substr(R.Stdout.find('\n', Start) + 1);
-  Block = Block.substr(0, Block.find("\nFiles & Directories"));
-  EXPECT_NE(Block.find("    editor TFileNameEditEx for FileSpec ("), std::string::npos) << Block;
-  EXPECT_NE(Block.find("    page TDeleteFilesFrame"), std::string::npos) << Block;
-}
-
-TEST(HostCommandsTest, HelpShowsPropertiesWithDefaultsCaptionsAndHelp) {
-  TempDir D;
-  ZtResult R = RunZtArgs(D.Path(), {"help", "delete file(s)"});
-  EXPECT_EQ(R.ExitCode, 0) << R.Stderr;
-  EXPECT_EQ(R.Stdout.rfind("Delete File(s) (TDeleteFilesAction), category Files & Directories, icon HDELETE_FILE\n", 0),
-            0u);
-  EXPECT_NE(R.Stdout.find("  FailIfNoFile: Boolean = true\n      caption: Fail If No File\n"), std::string::npos)
-      << R.Stdout;
-  EXPECT_NE(R.Stdout.find("Quick help: Plugins\\DeleteFiles.html\n"), std::string::npos);
+  for (std::size_t At = 0; (At = All.find("(not available yet)\n", At)) != std::string::npos; ++At) ++Unavailable;
+  if (Unavailable == 0) GTEST_SKIP() << "every action type is available";
+  EXPECT_EQ(std::count(Available.begin(), Available.end(), '\n') + Unavailable,
+            std::count(All.begin(), All.end(), '\n'));
+  EXPECT_EQ(Available.find("not available yet"), std::string::npos);
 }
 
 TEST(HostCommandsTest, MisspeltCommandsAndActionsGetDidYouMean) {

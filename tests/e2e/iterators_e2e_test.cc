@@ -2,32 +2,19 @@
 // makes and the values its variables take, and bad input (missing files,
 // file sets and variables) ending in the logged failure, never a crash.
 #include <algorithm>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
 
 #include "ZtRunner.h"
+#include "support/Files.h"
 #include "support/TempDir.h"
 
 namespace zt::testing {
 namespace {
 
-namespace fs = std::filesystem;
 using Lines = std::vector<std::string>;
-
-void Make(const TempDir& D, const std::string& Relative, const std::string& Contents = "x") {
-  fs::create_directories(fs::path(D / Relative).parent_path());
-  std::ofstream(D / Relative, std::ios::binary) << Contents;
-}
-
-std::string Read(const std::string& Path) {
-  std::ifstream In(Path, std::ios::binary);
-  return std::string(std::istreambuf_iterator<char>(In), std::istreambuf_iterator<char>());
-}
 
 // The values of the passes of loop Id, sorted (directory order is the file
 // system's).
@@ -38,148 +25,72 @@ Lines SortedValues(const ZtResult& R, const std::string& Id) {
   return V;
 }
 
-TEST(FileIteratorE2E, FindsFilesDepthFirstAndPutsEachIntoTheVariable) {
+TEST(FileIteratorE2E, FindsFilesDepthFirstWithTheChosenNames) {
   TempDir D;
-  Make(D, "src/a.txt");
-  Make(D, "src/b.log");
-  Make(D, "src/.hidden.txt");
-  Make(D, "src/sub/c.txt");
-  fs::create_directories(D / "src/dir.txt");
-  ZtResult R = RunZt(D.Path(), R"(
-actions:
-  - action: File Iterator
-    VariableName: F
-    FileSpec: src/*.txt
-    Recurse: true
-    actions:
-      - action: Check if File Exists
-        FileOrDirectory: "%F%"
-)");
-  EXPECT_EQ(R.ExitCode, 0) << R.Stdout << R.Stderr;
-  EXPECT_EQ(Messages(R, "1"),
-            (Lines{"Searching for Files...", "Found 2 Files.", "src/a.txt\r\nsrc/sub/c.txt\r\n"}));
-  EXPECT_EQ(Passes(R, "1"), (Lines{"1/2=src/a.txt", "2/2=src/sub/c.txt"}));
-  EXPECT_EQ(Messages(R, "1.1"),
-            (Lines{"Found a match for the File Spec", "Found a match for the File Spec"}));
-  EXPECT_EQ(FinalValue(R, "F"), "src/sub/c.txt");
-}
-
-TEST(FileIteratorE2E, FlagsChooseNamesHiddenFilesAndRecursion) {
-  TempDir D;
-  Make(D, "src/a.txt");
-  Make(D, "src/.h.txt");
-  Make(D, "src/\"q.txt\"");
-  Make(D, "src/sub/c.txt");
+  MakeTree(D.Path(), {"src/a.txt", "src/b.log", "src/.h.txt", "src/\"q.txt\"", "src/sub/c.txt", "src/dir.txt/"});
   // Recurse and IncludeFilePath are coupled: the later write wins.
-  ZtResult R = RunZt(D.Path(), R"(
-actions:
-  - action: File Iterator
-    FileSpec: src/*.txt*
-    IncludeFilePath: false
-  - action: File Iterator
-    FileSpec: src/*.txt*
-    FindAnyFile: true
-  - action: File Iterator
-    FileSpec: src/*.txt*
-    IncludeFilePath: false
-    Recurse: true
-  - action: File Iterator
-    FileSpec: src/*.txt*
-    Recurse: true
-    IncludeFilePath: false
+  ZtResult R = RunZt(D.Path(), R"(actions:
+  - {action: File Iterator, VariableName: F, FileSpec: src/*.txt, Recurse: true,
+     actions: [{action: Check if File Exists, FileOrDirectory: "%F%"}]}
+  - {action: File Iterator, FileSpec: src/*.txt*, IncludeFilePath: false}
+  - {action: File Iterator, FileSpec: src/*.txt*, FindAnyFile: true}
+  - {action: File Iterator, FileSpec: src/*.txt*, IncludeFilePath: false, Recurse: true}
+  - {action: File Iterator, FileSpec: src/*.txt*, Recurse: true, IncludeFilePath: false}
+  - {action: File Iterator, FileSpec: missing/*.txt, Recurse: true}
+  - {action: File Iterator, FileSpec: "%NOPE%/*.txt", ignoreFailure: true}
+  - {action: File Iterator, UseFileSet: true, FileSetName: Nope}
 )");
-  EXPECT_EQ(R.ExitCode, 0) << R.Stdout << R.Stderr;
-  EXPECT_EQ(SortedValues(R, "1"), (Lines{"a.txt", "q.txt"}));  // one pair of quotes removed
-  EXPECT_EQ(SortedValues(R, "2"), (Lines{"src/\"q.txt\"", "src/.h.txt", "src/a.txt"}));
-  EXPECT_EQ(SortedValues(R, "3"), (Lines{"src/\"q.txt\"", "src/a.txt", "src/sub/c.txt"}));
-  EXPECT_EQ(SortedValues(R, "4"), (Lines{"a.txt", "q.txt"}));
-}
-
-TEST(FileIteratorE2E, NothingToFindMakesNoPassAndABadSpecOrSetFails) {
-  TempDir D;
-  ZtResult R = RunZt(D.Path(), R"(
-actions:
-  - action: File Iterator
-    FileSpec: missing/*.txt
-    Recurse: true
-  - action: File Iterator
-    FileSpec: "%NOPE%/*.txt"
-    ignoreFailure: true
-  - action: File Iterator
-    UseFileSet: true
-    FileSetName: Nope
-)");
-  EXPECT_EQ(R.ExitCode, 1);
-  EXPECT_EQ(Messages(R, "1"), (Lines{"Searching for Files...", "Found 0 Files.", ""}));
-  EXPECT_EQ(ActionResult(R, "1"), "success");
-  EXPECT_TRUE(Passes(R, "1").empty());
-  EXPECT_EQ(Messages(R, "2"), (Lines{"Error Setting File Spec : Variable \"NOPE\" is not defined"}));
-  EXPECT_EQ(Messages(R, "3"), (Lines{"Retrieving fileset...", "File set \"Nope\" not found."}));
-  EXPECT_EQ(ActionResult(R, "3"), "failure");
+  EXPECT_EQ(R.ExitCode, 1) << R.Stderr;
+  EXPECT_EQ(Messages(R, "1"), (Lines{"Searching for Files...", "Found 2 Files.", "src/a.txt\r\nsrc/sub/c.txt\r\n"}));
+  EXPECT_EQ(Passes(R, "1"), (Lines{"1/2=src/a.txt", "2/2=src/sub/c.txt"}));
+  EXPECT_EQ(Messages(R, "1.1"), (Lines{"Found a match for the File Spec", "Found a match for the File Spec"}));
+  EXPECT_EQ(FinalValue(R, "F"), "src/sub/c.txt");
+  EXPECT_EQ(SortedValues(R, "2"), (Lines{"a.txt", "q.txt"}));  // one pair of quotes removed
+  EXPECT_EQ(SortedValues(R, "3"), (Lines{"src/\"q.txt\"", "src/.h.txt", "src/a.txt"}));
+  EXPECT_EQ(SortedValues(R, "4"), (Lines{"src/\"q.txt\"", "src/a.txt", "src/sub/c.txt"}));
+  EXPECT_EQ(SortedValues(R, "5"), (Lines{"a.txt", "q.txt"}));
+  EXPECT_EQ(Messages(R, "6"), (Lines{"Searching for Files...", "Found 0 Files.", ""}));
+  EXPECT_EQ(ActionResult(R, "6"), "success");
+  EXPECT_EQ(Messages(R, "7"), (Lines{"Error Setting File Spec : Variable \"NOPE\" is not defined"}));
+  EXPECT_EQ(Messages(R, "8"), (Lines{"Retrieving fileset...", "File set \"Nope\" not found."}));
+  EXPECT_EQ(ActionResult(R, "8"), "failure");
 }
 
 TEST(FileIteratorE2E, FileSetRefreshedAfterEachPassDropsUnvisitedAndAppendsNewFiles) {
   TempDir D;
-  for (const char* F : {"src/a.cpp", "src/b.cpp", "src/c.cpp"}) Make(D, F);
-  ZtResult R = RunZt(D.Path(), R"(
-filesets:
-  Src:
-    base: src
-    include: ["*.cpp"]
+  MakeTree(D.Path(), {"src/a.cpp", "src/b.cpp", "src/c.cpp"});
+  ZtResult R = RunZt(D.Path(), R"(filesets:
+  Src: {base: src, include: ["*.cpp"]}
 actions:
-  - action: File Iterator
-    VariableName: F
-    UseFileSet: true
-    FileSetName: Src
-    FileSetRefreshAfterEach: true
-    actions:
-      - action: Delete File(s)
-        FileSpec: src/b.cpp
-        FailIfNoFile: false
-      - action: Copy File(s)
-        FileSpec: src/a.cpp
-        Target: src/z.cpp
+  - {action: File Iterator, VariableName: F, UseFileSet: true, FileSetName: Src, FileSetRefreshAfterEach: true,
+     actions: [{action: Delete File(s), FileSpec: src/b.cpp, FailIfNoFile: false},
+               {action: Copy File(s), FileSpec: src/a.cpp, Target: src/z.cpp}]}
 )");
   EXPECT_EQ(R.ExitCode, 0) << R.Stdout << R.Stderr;
-  const std::string S = D / "src/";
-  const std::string Refresh = "File set \"Src\": 3 files";
-  EXPECT_EQ(
-      Messages(R, "1"),
-      (Lines{"Retrieving fileset...", "Refreshing fileset...", Refresh,
-             "File Set contents (3 files) :", S + "a.cpp\r\n" + S + "b.cpp\r\n" + S + "c.cpp\r\n",
-             // after pass 1: b.cpp deleted, z.cpp made
-             "Refreshing fileset...", Refresh, "1 file(s) no longer appear in the fileset.",
-             "1 new file(s) found in the fileset.", "Refreshing fileset...", Refresh, "Refreshing fileset...",
-             Refresh, "Final file list which was iterated (after all intermediate updates):",
-             S + "a.cpp\r\n" + S + "c.cpp\r\n" + S + "z.cpp\r\n", "(3 files.)"}));
+  const std::string S = D / "src/", Refresh = "File set \"Src\": 3 files";
+  EXPECT_EQ(Messages(R, "1"),
+            (Lines{"Retrieving fileset...", "Refreshing fileset...", Refresh,
+                   "File Set contents (3 files) :", S + "a.cpp\r\n" + S + "b.cpp\r\n" + S + "c.cpp\r\n",
+                   // after pass 1: b.cpp deleted, z.cpp made
+                   "Refreshing fileset...", Refresh, "1 file(s) no longer appear in the fileset.",
+                   "1 new file(s) found in the fileset.", "Refreshing fileset...", Refresh, "Refreshing fileset...",
+                   Refresh, "Final file list which was iterated (after all intermediate updates):",
+                   S + "a.cpp\r\n" + S + "c.cpp\r\n" + S + "z.cpp\r\n", "(3 files.)"}));
   EXPECT_EQ(Passes(R, "1"), (Lines{"1/3=" + S + "a.cpp", "2/3=" + S + "c.cpp", "3/3=" + S + "z.cpp"}));
 }
 
 TEST(FolderIteratorE2E, ListsSubFoldersPreOrderWithTheChosenNames) {
   TempDir D;
-  fs::create_directories(D / "root/a/x");
-  fs::create_directories(D / "root/.h");
-  Make(D, "root/f.txt");
-  ZtResult R = RunZt(D.Path(), R"(
-variables:
-  NONE: ""
-actions:
-  - action: Folder Iterator
-    VariableName: DIR
-    StartingFolder: root
-    Recurse: true
-  - action: Folder Iterator
-    StartingFolder: root/
-    IncludeHiddenSystem: true
-    IncludeFolderPath: false
-  - action: Folder Iterator
-    StartingFolder: root/a/x
-  - action: Folder Iterator
-    StartingFolder: "%NONE%"
-)");
+  MakeTree(D.Path(), {"root/a/x/", "root/.h/", "root/f.txt"});
+  ZtResult R = RunZt(D.Path(), R"(actions:
+  - {action: Folder Iterator, VariableName: DIR, StartingFolder: root, Recurse: true}
+  - {action: Folder Iterator, StartingFolder: root/, IncludeHiddenSystem: true, IncludeFolderPath: false}
+  - {action: Folder Iterator, StartingFolder: root/a/x}
+  - {action: Folder Iterator, StartingFolder: "%NONE%"}
+)",
+                     {"--var", "NONE="});
   EXPECT_EQ(R.ExitCode, 1) << R.Stderr;
-  EXPECT_EQ(Messages(R, "1"),
-            (Lines{"Searching for Folders...", "Found 2 Folders", "root/a\r\nroot/a/x\r\n"}));
+  EXPECT_EQ(Messages(R, "1"), (Lines{"Searching for Folders...", "Found 2 Folders", "root/a\r\nroot/a/x\r\n"}));
   EXPECT_EQ(Passes(R, "1"), (Lines{"1/2=root/a", "2/2=root/a/x"}));
   EXPECT_EQ(FinalValue(R, "DIR"), "root/a/x");
   EXPECT_EQ(SortedValues(R, "2"), (Lines{".h", "a"}));
@@ -191,14 +102,10 @@ actions:
 
 TEST(FileContentsIteratorE2E, MakesOnePassPerLineKeepingBlanksAndQuotes) {
   TempDir D;
-  Make(D, "lines.txt", "one\r\n\r\n  three  \n\"q\"");
-  ZtResult R = RunZt(D.Path(), R"(
-actions:
-  - action: File Contents Iterator
-    ZTVariable: L
-    TextFileName: lines.txt
-  - action: File Contents Iterator
-    TextFileName: missing.txt
+  WriteText(D / "lines.txt", "one\r\n\r\n  three  \n\"q\"");
+  ZtResult R = RunZt(D.Path(), R"(actions:
+  - {action: File Contents Iterator, ZTVariable: L, TextFileName: lines.txt}
+  - {action: File Contents Iterator, TextFileName: missing.txt}
 )");
   EXPECT_EQ(R.ExitCode, 1);
   EXPECT_EQ(Messages(R, "1"), (Lines{"Reading file...", "File contains 4 lines"}));
@@ -210,43 +117,20 @@ actions:
 
 TEST(IniFileIteratorE2E, SetsSectionOrKeyVariablesOnEveryPass) {
   TempDir D;
-  Make(D, "app.ini", "[Build]\r\nVersion=1.2\r\nHost=a=b\r\n[Empty]\r\n[Deploy]\r\nx=1\r\n");
-  Make(D, "seen.ini", "");
-  ZtResult R = RunZt(D.Path(), R"(
-actions:
-  - action: Ini File Iterator
-    IniFilename: app.ini
-    SectionsVar: S
-    actions:
-      - action: Write Ini File
-        IniFile: ./seen.ini
-        Section: Sections
-        ValueName: "%S%"
-        NewValue: "1"
-  - action: Ini File Iterator
-    IniFilename: app.ini
-    IteratorMode: iiValues
-    SectionName: Build
-    NameVariable: N
-    ValueVariable: V
-    actions:
-      - action: Write Ini File
-        IniFile: ./seen.ini
-        Section: Keys
-        ValueName: "%N%"
-        NewValue: "%V%"
-  - action: Ini File Iterator
-    IniFilename: missing.ini
-    IteratorMode: iiValues
-    SectionName: Build
-    NameVariable: N
-  - action: Ini File Iterator
-    IniFilename: app.ini
+  MakeTree(D.Path(), {"app.ini=[Build]\r\nVersion=1.2\r\nHost=a=b\r\n[Empty]\r\n[Deploy]\r\nx=1\r\n", "seen.ini="});
+  ZtResult R = RunZt(D.Path(), R"(actions:
+  - {action: Ini File Iterator, IniFilename: app.ini, SectionsVar: S,
+     actions: [{action: Write Ini File, IniFile: ./seen.ini, Section: Sections, ValueName: "%S%", NewValue: "1"}]}
+  - {action: Ini File Iterator, IniFilename: app.ini, IteratorMode: iiValues, SectionName: Build, NameVariable: N,
+     ValueVariable: V,
+     actions: [{action: Write Ini File, IniFile: ./seen.ini, Section: Keys, ValueName: "%N%", NewValue: "%V%"}]}
+  - {action: Ini File Iterator, IniFilename: missing.ini, IteratorMode: iiValues, SectionName: Build, NameVariable: N}
+  - {action: Ini File Iterator, IniFilename: app.ini}
 )");
   EXPECT_EQ(R.ExitCode, 1);
   EXPECT_EQ(Messages(R, "1"), (Lines{"Searching for items...", "Found 3 Items"}));
   EXPECT_EQ(Passes(R, "1"), (Lines{"1/3", "2/3", "3/3"}));  // no loop variable
-  EXPECT_EQ(Read(D / "seen.ini"),
+  EXPECT_EQ(ReadText(D / "seen.ini"),
             "[Sections]\r\nBuild=1\r\nEmpty=1\r\nDeploy=1\r\n[Keys]\r\nVersion=1.2\r\nHost=a=b\r\n");
   EXPECT_EQ(Messages(R, "3"), (Lines{"Searching for items...", "Found 0 Items"}));
   EXPECT_EQ(ActionResult(R, "3"), "success");
@@ -256,66 +140,40 @@ actions:
 
 TEST(ListIteratorE2E, SplitsTheListAsItsSeparatorAndBlankRuleSay) {
   TempDir D;
-  ZtResult R = RunZt(D.Path(), R"(
-variables:
-  V: p
-  SEP: "--"
+  ZtResult R = RunZt(D.Path(), R"(variables: {V: p, SEP: "--"}
 actions:
-  - action: List Iterator
-    ZTVariable: I
-    ListOfItems: [a, "", b]
-  - action: List Iterator
-    ListOfItems: [a, "", b]
-    SkipBlankLines: false
-  - action: List Iterator
-    ListOfItems: a,b,,c
-    ListSeparator: lsCharacter
-  - action: List Iterator
-    ListOfItems: a,b,,c
-    ListSeparator: lsCharacter
-    SkipBlankLines: false
-  - action: List Iterator
-    ListOfItems: [x, y]
-    ListSeparator: lsTab
-  - action: List Iterator
-    ListOfItems: "%V%--%V%2"
-    ListSeparator: lsCharacter
-    SeparatorChar: "%SEP%"
-  - action: List Iterator
-    ListOfItems: []
-  - action: List Iterator
-    ListOfItems: ["%NOPE%"]
+  - {action: List Iterator, ZTVariable: I, ListOfItems: [a, "", b]}
+  - {action: List Iterator, ListOfItems: [a, "", b], SkipBlankLines: false}
+  - {action: List Iterator, ListOfItems: "a,b,,c", ListSeparator: lsCharacter}
+  - {action: List Iterator, ListOfItems: "a,b,,c", ListSeparator: lsCharacter, SkipBlankLines: false}
+  - {action: List Iterator, ListOfItems: [x, y], ListSeparator: lsTab}
+  - {action: List Iterator, ListOfItems: "%V%--%V%2", ListSeparator: lsCharacter, SeparatorChar: "%SEP%"}
+  - {action: List Iterator, ListOfItems: []}
+  - {action: List Iterator, ListOfItems: ["%NOPE%"]}
 )");
   EXPECT_EQ(R.ExitCode, 1);
   EXPECT_EQ(Messages(R, "1"), (Lines{"Setting items...", "Found 2 Items"}));
-  EXPECT_EQ(Passes(R, "1"), (Lines{"1/2=a", "2/2=b"}));
   EXPECT_EQ(FinalValue(R, "I"), "b");
-  EXPECT_EQ(Passes(R, "2"), (Lines{"1/3=a", "2/3=", "3/3=b"}));
-  EXPECT_EQ(Passes(R, "3"), (Lines{"1/3=a", "2/3=b", "3/3=c"}));
-  EXPECT_EQ(Passes(R, "4"), (Lines{"1/4=a", "2/4=b", "3/4=", "4/4=c"}));
-  EXPECT_EQ(Passes(R, "5"), (Lines{"1/1=x\r\ny"}));
-  EXPECT_EQ(Passes(R, "6"), (Lines{"1/2=p", "2/2=p2"}));
+  const Lines Expected[] = {{"1/2=a", "2/2=b"},          {"1/3=a", "2/3=", "3/3=b"},
+                            {"1/3=a", "2/3=b", "3/3=c"}, {"1/4=a", "2/4=b", "3/4=", "4/4=c"},
+                            {"1/1=x\r\ny"},              {"1/2=p", "2/2=p2"}};
+  for (int I = 0; I < 6; ++I) EXPECT_EQ(Passes(R, std::to_string(I + 1)), Expected[I]) << I + 1;
   EXPECT_EQ(Messages(R, "7"), (Lines{"Setting items...", "Found 0 Items"}));
   EXPECT_EQ(ActionResult(R, "7"), "success");
-  EXPECT_EQ(Messages(R, "8"),
-            (Lines{"Setting items...", "Cannot expand Item List: variable \"NOPE\" is not defined",
-                   "Error while searching for items : Failed to expand list of items."}));
+  EXPECT_EQ(Messages(R, "8"), (Lines{"Setting items...", "Cannot expand Item List: variable \"NOPE\" is not defined",
+                                     "Error while searching for items : Failed to expand list of items."}));
   EXPECT_EQ(ActionResult(R, "8"), "failure");
 }
 
 TEST(IteratorsE2E, ValidateNamesWhatIsMissing) {
   TempDir D;
-  ZtResult R = RunZt(D.Path(), R"(
-actions:
+  ZtResult R = RunZt(D.Path(), R"(actions:
   - action: File Iterator
-  - action: File Iterator
-    UseFileSet: true
+  - {action: File Iterator, UseFileSet: true}
   - action: Folder Iterator
   - action: File Contents Iterator
-  - action: Ini File Iterator
-    IteratorMode: iiValues
-  - action: Ini File Iterator
-    IniFilename: app.ini
+  - {action: Ini File Iterator, IteratorMode: iiValues}
+  - {action: Ini File Iterator, IniFilename: app.ini}
   - action: List Iterator
 )",
                      {}, "validate");

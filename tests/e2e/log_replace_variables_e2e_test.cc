@@ -21,13 +21,10 @@ variables:
   WHICH: beta
   gamma: true
 actions:
-  - action: Log Variable Values
-    LogAllVariables: true
-  - action: Log Variable Values
-    VariableStorageString: "Alpha\n%WHICH%\n\nmissing\nBAD"
-    FailIfNotDefined: false
-  - action: Log Variable Values
-    VariableStorageString: "gamma\nmissing\nbeta"
+  - {action: Log Variable Values, LogAllVariables: true}
+  - {action: Log Variable Values, VariableStorageString: "Alpha\n%WHICH%\n\nmissing\nBAD",
+     FailIfNotDefined: false}
+  - {action: Log Variable Values, VariableStorageString: "gamma\nmissing\nbeta"}
 )");
   EXPECT_EQ(R.ExitCode, 1);
   EXPECT_EQ(Messages(R, "1"),
@@ -50,11 +47,8 @@ variables:
   VER: 1.4.2
   NAME: "zt %VER%"
 actions:
-  - action: Replace Variables
-    SourceFile: app.conf
-    WriteToLog: true
-  - action: Replace Variables
-    SourceFile: plain.txt
+  - {action: Replace Variables, SourceFile: app.conf, WriteToLog: true}
+  - {action: Replace Variables, SourceFile: plain.txt}
 )");
   EXPECT_EQ(R.ExitCode, 0) << R.Stdout;
   const std::string Replaced = "version=1.4.2\r\nname=zt 1.4.2 1.4.2\r\nliteral=100%\r\nlast\r\n";
@@ -76,25 +70,12 @@ variables:
   TPL: "a=%VER%\nb=%%"
   OUT: ""
 actions:
-  - action: Replace Variables
-    SourceType: rfVariable
-    SourceVariable: TPL
-    WriteBackToSource: false
-    DestType: rfVariable
-    DestVariable: OUT
-  - action: Replace Variables
-    SourceType: rfVariable
-    SourceVariable: TPL
-    WriteBackToSource: false
-    DestFile: out/result.txt
-    ignoreFailure: true
-  - action: Replace Variables
-    SourceFile: tpl.txt
-    WriteBackToSource: false
-    DestFile: result.txt
-  - action: Replace Variables
-    SourceType: rfVariable
-    SourceVariable: TPL
+  - {action: Replace Variables, SourceType: rfVariable, SourceVariable: TPL, WriteBackToSource: false,
+     DestType: rfVariable, DestVariable: OUT}
+  - {action: Replace Variables, SourceType: rfVariable, SourceVariable: TPL, WriteBackToSource: false,
+     DestFile: out/result.txt, ignoreFailure: true}
+  - {action: Replace Variables, SourceFile: tpl.txt, WriteBackToSource: false, DestFile: result.txt}
+  - {action: Replace Variables, SourceType: rfVariable, SourceVariable: TPL}
 )");
   EXPECT_EQ(R.ExitCode, 0) << R.Stdout;
   EXPECT_EQ(Messages(R, "1"), (Lines{"Loading data from variable TPL", "Made 1 replacements.",
@@ -119,26 +100,12 @@ TEST(ReplaceVariablesE2E, MistakesFailWithoutTouchingTheSource) {
 variables:
   VER: 3
 actions:
-  - action: Replace Variables
-    SourceFile: tpl.txt
-    ignoreFailure: true
-  - action: Replace Variables
-    SourceFile: missing.txt
-    ignoreFailure: true
-  - action: Replace Variables
-    SourceType: rfVariable
-    SourceVariable: NONE
-    ignoreFailure: true
-  - action: Replace Variables
-    SourceFile: tpl.txt
-    WriteBackToSource: false
-    DestType: rfVariable
-    DestVariable: NEW
-    FailOnVariableErrors: false
-    ignoreFailure: true
-  - action: Replace Variables
-    SourceFile: tpl.txt
-    FailOnVariableErrors: false
+  - {action: Replace Variables, SourceFile: tpl.txt, ignoreFailure: true}
+  - {action: Replace Variables, SourceFile: missing.txt, ignoreFailure: true}
+  - {action: Replace Variables, SourceType: rfVariable, SourceVariable: NONE, ignoreFailure: true}
+  - {action: Replace Variables, SourceFile: tpl.txt, WriteBackToSource: false, DestType: rfVariable,
+     DestVariable: NEW, FailOnVariableErrors: false, ignoreFailure: true}
+  - {action: Replace Variables, SourceFile: tpl.txt, FailOnVariableErrors: false}
 )");
   EXPECT_EQ(R.ExitCode, 0) << R.Stdout;
   EXPECT_EQ(Messages(R, "1"), (Lines{"Loading data from file tpl.txt...", "An error occured:",

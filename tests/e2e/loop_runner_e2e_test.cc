@@ -41,9 +41,7 @@ actions:
         ZTVariable: I
         ListOfItems: ["%O%1", "%O%2"]
         actions:
-          - action: Delete File(s)
-            FileSpec: "%I%.tmp"
-            enabled: false
+          - {action: Delete File(s), FileSpec: "%I%.tmp", enabled: false}
 )");
   EXPECT_EQ(R.ExitCode, 0) << R.Stderr;
   EXPECT_EQ(Trace(R),
@@ -76,21 +74,17 @@ actions:
     FileSetRefreshAfterEach: true
     ignoreFailure: true
     actions:
-      - action: Check if File Exists
-        FileOrDirectory: missing.txt
+      - {action: Check if File Exists, FileOrDirectory: missing.txt}
   - action: List Iterator
     ZTVariable: I
     ListOfItems: [a, b, c]
     actions:
-      - action: Check if File Exists
-        FileOrDirectory: "%I%.txt"
-        ignoreFailure: true
+      - {action: Check if File Exists, FileOrDirectory: "%I%.txt", ignoreFailure: true}
   - action: List Iterator
     ZTVariable: I
     ListOfItems: [a, b, c]
     actions:
-      - action: Check if File Exists
-        FileOrDirectory: "%I%.txt"
+      - {action: Check if File Exists, FileOrDirectory: "%I%.txt"}
 )");
   EXPECT_EQ(R.ExitCode, 1);
   // No refresh after the failed pass, but the loop still ends its list.
@@ -119,12 +113,8 @@ TEST(LoopRunnerE2E, QuietConsoleShowsEachFailedChildUnderItsOwnPasses) {
         ZTVariable: B
         ListOfItems: [1, 2]
         actions:
-          - action: Check if File Exists
-            FileOrDirectory: "%A%%B%.txt"
-            ignoreFailure: true
-      - action: Check if File Exists
-        FileOrDirectory: "%A%.txt"
-        ignoreFailure: true
+          - {action: Check if File Exists, FileOrDirectory: "%A%%B%.txt", ignoreFailure: true}
+      - {action: Check if File Exists, FileOrDirectory: "%A%.txt", ignoreFailure: true}
 )";
   ZtResult R = RunZtArgs(D.Path(), {"run", "project.yml", "--quiet"});
   EXPECT_EQ(R.ExitCode, 0) << R.Stderr;
@@ -153,9 +143,7 @@ actions:
     ZTVariable: L
     TextFileName: lines.txt
     actions:
-      - action: Delete File(s)
-        FileSpec: "%L%.tmp"
-        FailIfNoFile: false
+      - {action: Delete File(s), FileSpec: "%L%.tmp", FailIfNoFile: false}
 )",
                               "\"iteration\"", SIGINT);
   ASSERT_EQ(R.ExitCode, 130) << R.Stderr;

@@ -26,28 +26,13 @@ TEST(NothingHung, FifosAndDevicesAreRefusedInsteadOfWaitedFor) {
   ASSERT_EQ(mkfifo((D / "in/pipe").c_str(), 0666), 0);
   std::ofstream(D / "a.txt") << "a";
   ZtResult R = RunZt(D.Path(), R"(actions:
-  - action: Copy File(s)
-    FileSpec: in/*
-    Target: out
-    Force: true
-    ignoreFailure: true
-  - action: Calculate File CRC32
-    FileName: /dev/zero
-    ignoreFailure: true
-  - action: Touch File(s)
-    FileSpec: in/*
-  - action: Copy File(s)
-    FileSpec: a.txt
-    Target: in/pipe
-    Force: true
-    ignoreFailure: true
-  - action: Move File(s)
-    FileSpec: a.txt
-    Target: in/pipe
-  - action: Write to Text File
-    FileName: in/pipe
-    NewContent: never waits for a reader
-    ignoreFailure: true
+  - {action: Copy File(s), FileSpec: in/*, Target: out, Force: true, ignoreFailure: true}
+  - {action: Calculate File CRC32, FileName: /dev/zero, ignoreFailure: true}
+  - {action: Touch File(s), FileSpec: in/*}
+  - {action: Copy File(s), FileSpec: a.txt, Target: in/pipe, Force: true, ignoreFailure: true}
+  - {action: Move File(s), FileSpec: a.txt, Target: in/pipe}
+  - {action: Write to Text File, FileName: in/pipe, NewContent: never waits for a reader,
+     ignoreFailure: true}
 )");
   EXPECT_EQ(R.ExitCode, 0) << R.Stdout;
   EXPECT_EQ(StatusDetails(R, "1"),
@@ -112,13 +97,8 @@ TEST(NothingHung, StopEndsTheReadOfAHugeTextFileBeforeItIsTakenIn) {
 TEST(NothingHung, FilesOfProcCopyWithTheirContentsAndDevicesAreRefused) {
   TempDir D;
   ZtResult R = RunZt(D.Path(), R"(actions:
-  - action: Copy File(s)
-    FileSpec: /proc/self/status
-    Target: out/status
-    Force: true
-  - action: Copy File(s)
-    FileSpec: /dev/null
-    Target: out/null
+  - {action: Copy File(s), FileSpec: /proc/self/status, Target: out/status, Force: true}
+  - {action: Copy File(s), FileSpec: /dev/null, Target: out/null}
 )");
   EXPECT_EQ(R.ExitCode, 1);
   EXPECT_EQ(StatusDetails(R, "1"),

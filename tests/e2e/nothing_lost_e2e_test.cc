@@ -161,11 +161,7 @@ TEST(NothingLost, RecursiveCopyIntoItsOwnSubFolderCopiesTheTreeOnce) {
   Write(Dir / "tree/a.txt", "a");
   Write(Dir / "tree/d/b.txt", "b");
   ZtResult R = RunZt(Dir.Path(), R"(actions:
-  - action: Copy File(s)
-    FileSpec: tree/*
-    Target: tree/sub
-    Recurse: true
-    Force: true
+  - {action: Copy File(s), FileSpec: tree/*, Target: tree/sub, Recurse: true, Force: true}
 )");
   EXPECT_EQ(R.ExitCode, 0) << R.Stdout;
   EXPECT_EQ(StatusDetails(R, "1"), (Lines{"Copying files : tree/* -> tree/sub", "2 Files Copied."}));
@@ -179,11 +175,7 @@ TEST(NothingLost, RecursiveCopyStopsWhereALinkLeadsBackUpTheTree) {
   Write(Dir / "tree/d/b.txt", "b");
   fs::create_directory_symlink("..", Dir / "tree/d/up");
   ZtResult R = RunZt(Dir.Path(), R"(actions:
-  - action: Copy File(s)
-    FileSpec: tree/*
-    Target: out
-    Recurse: true
-    Force: true
+  - {action: Copy File(s), FileSpec: tree/*, Target: out, Recurse: true, Force: true}
 )");
   EXPECT_EQ(R.ExitCode, 0) << R.Stdout;
   EXPECT_EQ(StatusDetails(R, "1"), (Lines{"Copying files : tree/* -> out", "2 Files Copied."}));

@@ -50,53 +50,22 @@ variables:
   D: 0
   B: false
 actions:
-  - action: Set Registry Value
-    RegRoot: HKEY_CURRENT_USER
-    RegKey: Software\%APP%\Tool
-    RegValueName: Name
-    RegValue: "%APP% Tool"
-    AllowCreateKey: true
-  - action: Set Registry Value
-    RegRoot: HKEY_CURRENT_USER
-    RegKey: Software\%APP%\Tool
-    RegValueName: Count
-    RegValType: rtInteger
-    RegValue: "-5"
-  - action: TSetRegValueAction
-    RegRoot: 0x80000001
-    RegKey: \Software\Acme\Tool
-    RegValueName: Mask
-    RegValType: rtDWord
-    RegValue: "4294967295"
-  - action: Set Registry Value
-    RegRoot: HKEY_CURRENT_USER
-    RegKey: Software\Acme\Tool
-    RegValueName: Enabled
-    RegValType: rtBoolean
-    RegValue: "True"
-  - action: Read Registry Value
-    RegRoot: HKEY_CURRENT_USER
-    RegKey: software\ACME\tool
-    RegValueName: NAME
-    ZTVariable: S
-  - action: Read Registry Value
-    RegRoot: HKEY_CURRENT_USER
-    RegKey: Software\Acme\Tool
-    RegValueName: Count
-    RegValType: rtInteger
-    ZTVariable: I
-  - action: Read Registry Value
-    RegRoot: HKEY_CURRENT_USER
-    RegKey: Software\Acme\Tool
-    RegValueName: Mask
-    RegValType: rtDWord
-    ZTVariable: D
-  - action: Read Registry Value
-    RegRoot: HKEY_CURRENT_USER
-    RegKey: Software\Acme\Tool
-    RegValueName: Enabled
-    RegValType: rtBoolean
-    ZTVariable: B
+  - {action: Set Registry Value, RegRoot: HKEY_CURRENT_USER, RegKey: Software\%APP%\Tool,
+     RegValueName: Name, RegValue: "%APP% Tool", AllowCreateKey: true}
+  - {action: Set Registry Value, RegRoot: HKEY_CURRENT_USER, RegKey: Software\%APP%\Tool,
+     RegValueName: Count, RegValType: rtInteger, RegValue: "-5"}
+  - {action: TSetRegValueAction, RegRoot: 0x80000001, RegKey: \Software\Acme\Tool, RegValueName: Mask,
+     RegValType: rtDWord, RegValue: "4294967295"}
+  - {action: Set Registry Value, RegRoot: HKEY_CURRENT_USER, RegKey: Software\Acme\Tool,
+     RegValueName: Enabled, RegValType: rtBoolean, RegValue: "True"}
+  - {action: Read Registry Value, RegRoot: HKEY_CURRENT_USER, RegKey: software\ACME\tool,
+     RegValueName: NAME, ZTVariable: S}
+  - {action: Read Registry Value, RegRoot: HKEY_CURRENT_USER, RegKey: Software\Acme\Tool,
+     RegValueName: Count, RegValType: rtInteger, ZTVariable: I}
+  - {action: Read Registry Value, RegRoot: HKEY_CURRENT_USER, RegKey: Software\Acme\Tool,
+     RegValueName: Mask, RegValType: rtDWord, ZTVariable: D}
+  - {action: Read Registry Value, RegRoot: HKEY_CURRENT_USER, RegKey: Software\Acme\Tool,
+     RegValueName: Enabled, RegValType: rtBoolean, ZTVariable: B}
 )");
   EXPECT_EQ(R.ExitCode, 0) << R.Stderr;
   const Lines Expected[] = {{"Set Value Name to : Acme Tool"},  {"Set Value Count to : -5"},
@@ -194,11 +163,8 @@ TEST(RegistryEndToEnd, CorruptStoreFailsTheActionAndIsLeftAlone) {
   WriteText(T.Store, "{\"HKEY_CURRENT_USER\\\\A\": {\"n\": 1}}");
   ZtResult R = T.Run(R"(name: Corrupt
 actions:
-  - action: Set Registry Value
-    RegRoot: HKEY_CURRENT_USER
-    RegKey: A
-    RegValueName: n
-    AllowCreateKey: true
+  - {action: Set Registry Value, RegRoot: HKEY_CURRENT_USER, RegKey: A, RegValueName: n,
+     AllowCreateKey: true}
 )");
   EXPECT_EQ(R.ExitCode, 1);
   EXPECT_EQ(Messages(R, "1"),
@@ -212,11 +178,8 @@ TEST(RegistryEndToEnd, ValidateDescribeAndRootNames) {
   const std::string Project = R"(name: Checks
 actions:
   - action: Read Registry Value
-  - action: Delete Registry Value
-    RegKey: Software\Acme
-  - action: Delete Registry Value
-    RegKey: Software\Acme
-    DeleteKey: true
+  - {action: Delete Registry Value, RegKey: Software\Acme}
+  - {action: Delete Registry Value, RegKey: Software\Acme, DeleteKey: true}
 )";
   ZtResult R = RunZt(Dir.Path(), Project, {}, "validate");
   EXPECT_EQ(R.ExitCode, 1) << R.Stderr;

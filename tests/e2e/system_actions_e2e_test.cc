@@ -39,21 +39,11 @@ TEST(ShellExecuteEndToEnd, VerbsRunTheirCommands) {
   // The print verb's command, as a user configures it for the desktop.
   setenv("ZT_SHELL_PRINT", "sh -c 'cp \"$0\" printed.txt'", 1);
   ZtResult R = RunZt(D.Path(), R"(actions:
-  - action: Shell Execute
-    FileSpec: doc.txt
-    WaitForCompletion: true
-  - action: Shell Execute
-    FileSpec: tool.sh
-    Action: open
-    Parameters: one "two words"
-    WaitForCompletion: true
-  - action: Shell Execute
-    FileSpec: missing.txt
-    ignoreFailure: true
-  - action: Shell Execute
-    FileSpec: doc.txt
-    Action: frobnicate
-    ignoreFailure: true
+  - {action: Shell Execute, FileSpec: doc.txt, WaitForCompletion: true}
+  - {action: Shell Execute, FileSpec: tool.sh, Action: open, Parameters: one "two words",
+     WaitForCompletion: true}
+  - {action: Shell Execute, FileSpec: missing.txt, ignoreFailure: true}
+  - {action: Shell Execute, FileSpec: doc.txt, Action: frobnicate, ignoreFailure: true}
 )");
   unsetenv("ZT_SHELL_PRINT");
   EXPECT_EQ(R.ExitCode, 0) << R.Stderr;
@@ -85,23 +75,11 @@ TEST(CloseProcessEndToEnd, MessagesBecomeSignalsAndAStubbornProcessIsTerminated)
   const std::string Q = std::to_string(Quit.Pid()), C = std::to_string(Close.Pid()),
                     S = std::to_string(Stubborn.Pid());
   ZtResult R = RunZt(D.Path(), R"(actions:
-  - action: Close Process
-    ProcessID: "%QUIT%"
-  - action: Close Process
-    ProcessID: "%CLOSE%"
-    SendWMClose: true
-    Timeout: true
-    TimeoutLimit: 5
-  - action: Close Process
-    ProcessID: "%STUBBORN%"
-    Timeout: true
-    TimeoutLimit: 0
-  - action: Close Process
-    ProcessID: abc
-    ignoreFailure: true
-  - action: Close Process
-    ProcessID: 2147483646
-    ignoreFailure: true
+  - {action: Close Process, ProcessID: "%QUIT%"}
+  - {action: Close Process, ProcessID: "%CLOSE%", SendWMClose: true, Timeout: true, TimeoutLimit: 5}
+  - {action: Close Process, ProcessID: "%STUBBORN%", Timeout: true, TimeoutLimit: 0}
+  - {action: Close Process, ProcessID: abc, ignoreFailure: true}
+  - {action: Close Process, ProcessID: 2147483646, ignoreFailure: true}
 )",
                      {"--var", "QUIT=" + Q, "--var", "CLOSE=" + C, "--var", "STUBBORN=" + S});
   EXPECT_EQ(R.ExitCode, 0) << R.Stderr;
@@ -121,11 +99,8 @@ TEST(CloseProcessEndToEnd, MessagesBecomeSignalsAndAStubbornProcessIsTerminated)
 TEST(CloseProcessEndToEnd, TheDescriptionSaysWhichMessageIsSent) {
   TempDir D;
   ZtResult R = RunZt(D.Path(), R"(actions:
-  - action: Close Process
-    ProcessID: "%PID%"
-  - action: Close Process
-    ProcessID: "42"
-    SendWMClose: true
+  - {action: Close Process, ProcessID: "%PID%"}
+  - {action: Close Process, ProcessID: "42", SendWMClose: true}
 )",
                      {}, "describe");
   EXPECT_EQ(R.Stdout, "Quit Process [ %PID% ]\nClose Process [ 42 ]\n");

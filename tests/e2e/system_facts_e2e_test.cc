@@ -80,15 +80,8 @@ TEST(DateTimeEndToEnd, FormatsTheChosenInstantWithItsOffsets) {
 TEST(DateTimeEndToEnd, AMissingFileOrADateBeyondYear9999Fails) {
   TempDir D;
   ZtResult R = RunZt(D.Path(), R"(actions:
-  - action: Get Date/Time
-    ZTVariable: T
-    DateSource: dsFileDate
-    FileName: nope.txt
-    ignoreFailure: true
-  - action: Get Date/Time
-    ZTVariable: T
-    OffsetDays: 2147483647
-    ignoreFailure: true
+  - {action: Get Date/Time, ZTVariable: T, DateSource: dsFileDate, FileName: nope.txt, ignoreFailure: true}
+  - {action: Get Date/Time, ZTVariable: T, OffsetDays: 2147483647, ignoreFailure: true}
 )");
   EXPECT_EQ(Messages(R, "1"), (Lines{"ERROR - File missing: nope.txt"}));
   EXPECT_EQ(Messages(R, "2"), (Lines{"Error: The date is outside the years 1 to 9999"}));
@@ -108,15 +101,9 @@ TEST(DiskFreeSpaceEndToEnd, StoresTheVolumesSpaceInTheUnitAndChecksTheMinimum) {
   const std::string TotalKB = std::to_string(Total / 1024);
   // A folder the build has yet to make is measured where it will be made.
   ZtResult R = RunZt(D.Path(), R"(actions:
-  - action: Get Disk Free Space
-    Drive: out/not/made/yet
-    ZTVariable: FREE
-    TotalVariable: TOTAL
-    SizeUnit: suBytes
-  - action: Get Disk Free Space
-    TotalVariable: TOTAL_KB
-    SizeUnit: suKB
-    MinimumFree: 2147483647
+  - {action: Get Disk Free Space, Drive: out/not/made/yet, ZTVariable: FREE, TotalVariable: TOTAL,
+     SizeUnit: suBytes}
+  - {action: Get Disk Free Space, TotalVariable: TOTAL_KB, SizeUnit: suKB, MinimumFree: 2147483647}
 )");
   EXPECT_EQ(R.ExitCode, 1);
   const auto Vars = FinalVariables(R);

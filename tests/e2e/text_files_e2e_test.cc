@@ -30,21 +30,11 @@ TEST(TextFilesE2E, CreateWritesExactBytesAndOverwritesOnlyWhenAsked) {
 variables:
   VER: 1.4.2
 actions:
-  - action: Create Text File
-    NewFileName: out/sub/version.txt
-    FileContents: "v=%VER%\nsecond\r\n100%%"
-  - action: Create Text File
-    NewFileName: keep.txt
-    FileContents: other
-    ignoreFailure: true
-  - action: Create Text File
-    NewFileName: " keep.txt "
-    FileContents: "%VER%"
-    OverwriteExisting: true
-    CreateDirectory: false
-  - action: Create Text File
-    NewFileName: never.txt
-    FileContents: "%NOPE%"
+  - {action: Create Text File, NewFileName: out/sub/version.txt, FileContents: "v=%VER%\nsecond\r\n100%%"}
+  - {action: Create Text File, NewFileName: keep.txt, FileContents: other, ignoreFailure: true}
+  - {action: Create Text File, NewFileName: " keep.txt ", FileContents: "%VER%", OverwriteExisting: true,
+     CreateDirectory: false}
+  - {action: Create Text File, NewFileName: never.txt, FileContents: "%NOPE%"}
 )");
   EXPECT_EQ(R.ExitCode, 1);
   EXPECT_EQ(Messages(R, "1"), (Lines{"File created: out/sub/version.txt"}));
@@ -72,32 +62,14 @@ TEST(TextFilesE2E, AppendAndPrependPutCrLfBetweenOldAndNewContent) {
 variables:
   NEW: "n%%1"
 actions:
-  - action: Write to Text File
-    FileName: append.txt
-    NewContent: "%NEW%"
-  - action: Write to Text File
-    FileName: append-eol.txt
-    NewContent: B
-  - action: Write to Text File
-    FileName: empty.txt
-    NewContent: B
-  - action: Write to Text File
-    FileName: prepend.txt
-    NewContent: "x\ny"
-    WriteToPosition: toStart
-  - action: Write to Text File
-    FileName: prepend-empty.txt
-    NewContent: B
-    WriteToPosition: toStart
-  - action: Write to Text File
-    FileName: shared.txt
-    NewContent: B
-    WriteToPosition: toStart
-  - action: Write to Text File
-    FileName: created.txt
-    NewContent: "C\n"
-    CreateIfNotExists: true
-    WriteToPosition: toStart
+  - {action: Write to Text File, FileName: append.txt, NewContent: "%NEW%"}
+  - {action: Write to Text File, FileName: append-eol.txt, NewContent: B}
+  - {action: Write to Text File, FileName: empty.txt, NewContent: B}
+  - {action: Write to Text File, FileName: prepend.txt, NewContent: "x\ny", WriteToPosition: toStart}
+  - {action: Write to Text File, FileName: prepend-empty.txt, NewContent: B, WriteToPosition: toStart}
+  - {action: Write to Text File, FileName: shared.txt, NewContent: B, WriteToPosition: toStart}
+  - {action: Write to Text File, FileName: created.txt, NewContent: "C\n", CreateIfNotExists: true,
+     WriteToPosition: toStart}
 )");
   EXPECT_EQ(R.ExitCode, 0) << R.Stdout;
   EXPECT_EQ(ReadText(D / "append.txt"), "A\r\nn%1");
@@ -121,29 +93,14 @@ TEST(TextFilesE2E, FailedWritesLeaveEveryFileAsItWas) {
   fs::create_directory(D / "folder");
   ZtResult R = RunZt(D.Path(), R"(
 actions:
-  - action: Write to Text File
-    FileName: missing.txt
-    NewContent: B
-    ignoreFailure: true
-  - action: Write to Text File
-    FileName: locked.txt
-    NewContent: B
-    WriteToPosition: toStart
-    ignoreFailure: true
-  - action: Write to Text File
-    FileName: locked.txt
-    NewContent: B
-    ignoreFailure: true
-  - action: Write to Text File
-    FileName: folder
-    NewContent: B
-    CreateIfNotExists: true
-    ignoreFailure: true
-  - action: Create Text File
-    NewFileName: locked.txt
-    FileContents: B
-    OverwriteExisting: true
-    ignoreFailure: true
+  - {action: Write to Text File, FileName: missing.txt, NewContent: B, ignoreFailure: true}
+  - {action: Write to Text File, FileName: locked.txt, NewContent: B, WriteToPosition: toStart,
+     ignoreFailure: true}
+  - {action: Write to Text File, FileName: locked.txt, NewContent: B, ignoreFailure: true}
+  - {action: Write to Text File, FileName: folder, NewContent: B, CreateIfNotExists: true,
+     ignoreFailure: true}
+  - {action: Create Text File, NewFileName: locked.txt, FileContents: B, OverwriteExisting: true,
+     ignoreFailure: true}
 )");
   EXPECT_EQ(R.ExitCode, 0) << R.Stdout;
   EXPECT_EQ(Messages(R, "1"), (Lines{"ERROR - File doesn't exist: missing.txt"}));
@@ -168,25 +125,12 @@ TEST(TextFilesE2E, ReadPutsContentsInAVariableThatExpandsBackToTheText) {
   WriteText(D / "in.txt", std::string("a%PATH%b$(pwd)\0c\r\nz", 20));
   ZtResult R = RunZt(D.Path(), R"(
 actions:
-  - action: Read Text File
-    FileName: in.txt
-    ZTVariable: RAW
-    PutContentsInVar: true
-  - action: Read Text File
-    FileName: in.txt
-    ZTVariable: ESC
-    PutContentsInVar: true
-    EscapeVariables: true
-  - action: Create Text File
-    NewFileName: out.txt
-    FileContents: "%ESC%"
-  - action: Read Text File
-    FileName: in.txt
-    ZTVariable: UNUSED
-  - action: Read Text File
-    FileName: missing.txt
-    ZTVariable: V
-    PutContentsInVar: true
+  - {action: Read Text File, FileName: in.txt, ZTVariable: RAW, PutContentsInVar: true}
+  - {action: Read Text File, FileName: in.txt, ZTVariable: ESC, PutContentsInVar: true,
+     EscapeVariables: true}
+  - {action: Create Text File, NewFileName: out.txt, FileContents: "%ESC%"}
+  - {action: Read Text File, FileName: in.txt, ZTVariable: UNUSED}
+  - {action: Read Text File, FileName: missing.txt, ZTVariable: V, PutContentsInVar: true}
 )");
   EXPECT_EQ(R.ExitCode, 1);
   EXPECT_EQ(Messages(R, "1"), (Lines{"Reading file...", "Done."}));

@@ -23,9 +23,7 @@ variables:
   ON: true
   DIST: dist/app-%VER%
 actions:
-  - action: Save Variables to INI
-    INIFile: vars.ini
-    Variables: [VER, COUNT, ON, DIST]
+  - {action: Save Variables to INI, INIFile: vars.ini, Variables: [VER, COUNT, ON, DIST]}
 )");
   EXPECT_EQ(Save.ExitCode, 0) << Save.Stdout;
   EXPECT_EQ(Messages(Save, "1"), (Lines{"Variables saved to vars.ini"}));
@@ -40,10 +38,8 @@ variables:
   ON: false
   DIST: ""
 actions:
-  - action: Load Variables from INI
-    INIFile: vars.ini
-    Variables: [VER, COUNT, ON, DIST]
-    VariableTypes: [string, INTEGER, Boolean, STRING]
+  - {action: Load Variables from INI, INIFile: vars.ini, Variables: [VER, COUNT, ON, DIST],
+     VariableTypes: [string, INTEGER, Boolean, STRING]}
 )");
   EXPECT_EQ(Load.ExitCode, 0) << Load.Stdout;
   EXPECT_EQ(Messages(Load, "1"), (Lines{"Variables loaded from vars.ini"}));
@@ -64,11 +60,9 @@ variables:
   I2: 0
   S: ""
 actions:
-  - action: Load Variables from INI
-    INIFile: v.ini
-    SectionName: Build
-    Variables: [B1, B2, B3, I1, I2, S]
-    VariableTypes: [BOOLEAN, BOOLEAN, BOOLEAN, INTEGER, INTEGER, STRING]
+  - {action: Load Variables from INI, INIFile: v.ini, SectionName: Build,
+     Variables: [B1, B2, B3, I1, I2, S],
+     VariableTypes: [BOOLEAN, BOOLEAN, BOOLEAN, INTEGER, INTEGER, STRING]}
 )");
   EXPECT_EQ(R.ExitCode, 0) << R.Stdout;
   EXPECT_EQ(FinalVariables(R),
@@ -80,75 +74,43 @@ TEST(VariablesFileE2E, LoadFailsByItsFlagsInTheirOrder) {
   TempDir D;
   WriteText(D / "v.ini", "[ZTVariables]\r\nA=1\r\nB=2\r\n");
   WriteText(D / "nosection.ini", "A=1\r\n");
-  ZtResult R = RunZt(D.Path(), R"(
-variables:
-  A: 0
-  B: 0
-  C: "c"
-actions:
-  - action: Load Variables from INI     # 1: a missing key fails by default
-    INIFile: v.ini
-    Variables: [A, C, B]
-    VariableTypes: [INTEGER, STRING, INTEGER]
-    ignoreFailure: true
-  - action: Load Variables from INI     # 2: both flags: the first wins, nothing is created
-    INIFile: v.ini
-    Variables: [C]
-    CreateVarInINIifNotExists: true
-    ignoreFailure: true
-  - action: Load Variables from INI     # 3: created with the current value, which stays
-    INIFile: v.ini
-    Variables: [C, NOPE, B]
-    VariableTypes: [STRING, STRING, STRING]
-    FailIfVariableNotInIniFile: false
-    FailIfVariableNotDefined: false
-    CreateVarInINIifNotExists: true
-  - action: Load Variables from INI     # 4: an undefined variable fails by default
-    INIFile: v.ini
-    Variables: [NOPE]
-    ignoreFailure: true
-  - action: Load Variables from INI     # 5: a type list shorter than the names
-    INIFile: v.ini
-    Variables: [A, B]
-    VariableTypes: [STRING]
-    ignoreFailure: true
-  - action: Load Variables from INI     # 6
-    INIFile: v.ini
-    Variables: [A]
-    VariableTypes: [FLOAT]
-    ignoreFailure: true
-  - action: Load Variables from INI     # 7: a missing file
-    INIFile: none.ini
-    Variables: [A]
-    ignoreFailure: true
-  - action: Load Variables from INI     # 8: ignored, but its keys are missing too
-    INIFile: none.ini
-    Variables: [A]
-    IgnoreFileNotFound: true
-    ignoreFailure: true
-  - action: Load Variables from INI     # 9: keys before any section belong to none
-    INIFile: nosection.ini
-    Variables: [A]
-    FailIfVariableNotInIniFile: false
-)");
-  EXPECT_EQ(R.ExitCode, 0) << R.Stdout;
-  const std::vector<Lines> Expected = {
-      {"Variable not found in INI: C"},
-      {"Variable not found in INI: C"},
-      {"Variable not found in INI, created: C", "Variable not defined: NOPE", "Variables loaded from v.ini"},
-      {"Variable not defined: NOPE"},
-      {"Error setting variable B"},
-      {"Invalid value for variable type: FLOAT"},
-      {"File none.ini does not exist."},
-      {"File none.ini does not exist.", "Variable not found in INI: A"},
-      {"Variable not found in INI: A", "Variables loaded from nosection.ini"},
+  const struct {
+    std::string Settings;
+    Lines Said;
+    std::string Result;
+  } Cases[] = {
+      // A missing key or an undefined variable fails by default.
+      {"Variables: [A, C, B], VariableTypes: [INTEGER, STRING, INTEGER]", {"Variable not found in INI: C"}, "ignored"},
+      {"Variables: [NOPE]", {"Variable not defined: NOPE"}, "ignored"},
+      // Both flags: the first wins, nothing is created.
+      {"Variables: [C], CreateVarInINIifNotExists: true", {"Variable not found in INI: C"}, "ignored"},
+      // Created with the current value, which stays.
+      {"Variables: [C, NOPE, B], VariableTypes: [STRING, STRING, STRING], FailIfVariableNotInIniFile: false, "
+       "FailIfVariableNotDefined: false, CreateVarInINIifNotExists: true",
+       {"Variable not found in INI, created: C", "Variable not defined: NOPE", "Variables loaded from v.ini"},
+       "success"},
+      {"Variables: [A, B], VariableTypes: [STRING]", {"Error setting variable B"}, "ignored"},  // types run out
+      {"Variables: [A], VariableTypes: [FLOAT]", {"Invalid value for variable type: FLOAT"}, "ignored"},
+      {"Variables: [A], INIFile: none.ini", {"File none.ini does not exist."}, "ignored"},
+      // Ignored, but its keys are missing too.
+      {"Variables: [A], INIFile: none.ini, IgnoreFileNotFound: true",
+       {"File none.ini does not exist.", "Variable not found in INI: A"}, "ignored"},
+      // Keys before any section belong to none.
+      {"Variables: [A], INIFile: nosection.ini, FailIfVariableNotInIniFile: false",
+       {"Variable not found in INI: A", "Variables loaded from nosection.ini"}, "success"},
   };
-  for (std::size_t I = 0; I < Expected.size(); ++I) {
-    const std::string Id = std::to_string(I + 1);
-    EXPECT_EQ(Messages(R, Id), Expected[I]) << "action " << Id;
-    EXPECT_EQ(ActionResult(R, Id), I == 2 || I == 8 ? "success" : "ignored") << "action " << Id;
+  std::string Yaml = "variables: {A: 0, B: 0, C: c}\nactions:\n";
+  for (const auto& C : Cases)
+    Yaml += "  - {action: Load Variables from INI, " +
+            std::string(C.Settings.find("INIFile") == std::string::npos ? "INIFile: v.ini, " : "") + C.Settings +
+            (C.Result == "ignored" ? ", ignoreFailure: true}\n" : "}\n");
+  ZtResult R = RunZt(D.Path(), Yaml);
+  EXPECT_EQ(R.ExitCode, 0) << R.Stderr;
+  for (std::size_t I = 0; I < std::size(Cases); ++I) {
+    EXPECT_EQ(Messages(R, std::to_string(I + 1)), Cases[I].Said) << Cases[I].Settings;
+    EXPECT_EQ(ActionResult(R, std::to_string(I + 1)), Cases[I].Result) << Cases[I].Settings;
   }
-  // A load that fails keeps what it loaded before: A as text from the fifth action.
+  // A load that fails keeps what it loaded before: A as text from the types that ran out.
   EXPECT_EQ(FinalVariables(R), nlohmann::json::parse(R"({"A":"1","B":"2","C":"c"})"));
   EXPECT_EQ(ReadText(D / "v.ini"), "[ZTVariables]\r\nA=1\r\nB=2\r\nC=c\r\n");
   EXPECT_EQ(ReadText(D / "nosection.ini"), "A=1\r\n");
@@ -164,14 +126,9 @@ variables:
   A: a
   LOOP: "%LOOP%"
 actions:
-  - action: Save Variables to INI
-    INIFile: v.ini
-    Variables: [A, LOOP, NOPE]
-    EraseSection: false
-    ignoreFailure: true
-  - action: Save Variables to INI
-    INIFile: locked.ini
-    Variables: [A]
+  - {action: Save Variables to INI, INIFile: v.ini, Variables: [A, LOOP, NOPE], EraseSection: false,
+     ignoreFailure: true}
+  - {action: Save Variables to INI, INIFile: locked.ini, Variables: [A]}
 )");
   EXPECT_EQ(R.ExitCode, 1);
   EXPECT_EQ(Messages(R, "1"), (Lines{"Error expanding variable: LOOP"}));

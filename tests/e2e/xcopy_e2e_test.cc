@@ -69,20 +69,10 @@ TEST(XCopyEndToEnd, TheExclusionListFileIsGoneAfterTheRun) {
   ZtResult R = RunZt(D.Path(), R"(variables:
   EXT: .log
 actions:
-  - action: XCopy
-    Source: src
-    Destination: out
-    ExcludeFiles: ["*.obj", "", "%EXT%"]
-    ignoreFailure: true
-  - action: XCopy
-    Source: src
-    Destination: out
-    ExcludeFiles: ["", ""]
-    ignoreFailure: true
-  - action: XCopy
-    Source: src
-    Destination: out
-    ExcludeFiles: [".tmp", "%NOPE%"]
+  - {action: XCopy, Source: src, Destination: out, ExcludeFiles: ["*.obj", "", "%EXT%"],
+     ignoreFailure: true}
+  - {action: XCopy, Source: src, Destination: out, ExcludeFiles: ["", ""], ignoreFailure: true}
+  - {action: XCopy, Source: src, Destination: out, ExcludeFiles: [".tmp", "%NOPE%"]}
 )");
   unsetenv("TMPDIR");
   EXPECT_EQ(R.ExitCode, 1) << R.Stderr;

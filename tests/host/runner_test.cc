@@ -31,59 +31,12 @@ TEST_F(RunnerTest, SuccessfulBuildLogsEveryEventInOrder) {
   EXPECT_EQ(Events, Expected);
 }
 
-TEST_F(RunnerTest, BuildStopsAtFirstFailureThatIsNotIgnored) {
-  Load(R"(actions:
-  - action: Test Action
-    ignoreFailure: true
-    Flag: false
-    Count: 0
-  - action: Test Action
-    enabled: false
-  - action: Test Action
-    Flag: false
-    Count: 0
-  - action: Test Action
-)");
-  EXPECT_EQ(Run(), BuildResult::Failure);
-  std::vector<std::string> Ends;
-  for (const auto& E : Events)
-    if (E["event"] == "action-end") Ends.push_back(E["id"].get<std::string>() + " " + E["result"].get<std::string>());
-  EXPECT_EQ(Ends, (std::vector<std::string>{"1 ignored", "2 skipped", "3 failure"}));
-  EXPECT_FALSE(Action(3).Started);
-  EXPECT_EQ(Events.back()["result"], "failure");
-  EXPECT_EQ(Events[Events.size() - 2]["event"], "variables");
-}
-
 TEST_F(RunnerTest, ExceptionFromExecuteFailsTheActionWithAHostLine) {
   Load("actions:\n  - action: Test Action\n");
   Action(0).Behaviour = "throw";
   EXPECT_EQ(Run(), BuildResult::Failure);
   EXPECT_EQ(Events[2], json::parse(R"({"event":"message","id":"1","text":"disk on fire","host":true})"));
   EXPECT_EQ(Events[3], json::parse(R"({"event":"action-end","id":"1","result":"failure"})"));
-}
-
-TEST_F(RunnerTest, ExpansionUsesProjectVariablesAndOverrides) {
-  Load("variables:\n  Who: world\n  Ver: 1\nactions:\n  - action: Test Action\n    Text: \"%who% %VER% %DOSCMD% 100%%\"\n");
-  Action(0).Behaviour = "expand";
-  EXPECT_EQ(Run({{"VER", "1.4.2"}}), BuildResult::Success);
-  EXPECT_EQ(Events[2], json::parse(R"({"event":"message","id":"1","text":"world 1.4.2 /bin/sh 100%"})"));
-}
-
-TEST_F(RunnerTest, UndefinedVariableInExpandExpressionFailsWithItsName) {
-  Load("actions:\n  - action: Test Action\n    Text: \"%Nope%\"\n");
-  Action(0).Behaviour = "expand";
-  EXPECT_EQ(Run(), BuildResult::Failure);
-  EXPECT_EQ(Events[2]["text"], "Variable \"Nope\" is not defined");
-  EXPECT_EQ(Events[2]["host"], true);
-}
-
-TEST_F(RunnerTest, FailedTryExpandLogsOneHostLineNamingPropertyAndVariable) {
-  Load("actions:\n  - action: Test Action\n    Text: \"a %Nope% b\"\n");
-  Action(0).Behaviour = "tryexpand";
-  EXPECT_EQ(Run(), BuildResult::Failure);
-  ASSERT_EQ(Events.size(), 6u);
-  EXPECT_EQ(Events[2], json::parse(R"({"event":"message","id":"1",
-      "text":"Cannot expand Text Caption: variable \"Nope\" is not defined","host":true})"));
 }
 
 TEST_F(RunnerTest, StopRequestTerminatesRunningActionAndEndsBuildStopped) {

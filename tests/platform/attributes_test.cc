@@ -8,97 +8,75 @@
 #include "platform/env.h"
 #include "platform/files.h"
 #include "support/Files.h"
-#include "tests/support/TempDir.h"
+#include "support/TempDir.h"
 
 namespace zt::platform {
 namespace {
 
+using zt::testing::MakeTree;
 using zt::testing::ModeOf;
+using zt::testing::Tree;
 using zt::testing::TempDir;
 using zt::testing::WriteText;
 
-std::string StoredValue(const std::string& Path) {
-  char Value[64] = {};
-  ssize_t N = getxattr(Path.c_str(), "user.DOSATTRIB", Value, sizeof Value - 1);
-  return N < 0 ? "" : std::string(Value, static_cast<size_t>(N));
-}
-
-TEST(Attributes, PlainFileIsNormalAndDirectoryIsDirectory) {
+TEST(Attributes, WhatGetFileAttributesSays) {
   TempDir T;
-  WriteText(T / "a.txt", "x");
-  EXPECT_EQ(GetFileAttributesA(T / "a.txt"), FILE_ATTRIBUTE_NORMAL);
-  EXPECT_EQ(GetFileAttributesA(T.Path()), FILE_ATTRIBUTE_DIRECTORY);
-}
-
-TEST(Attributes, MissingFileAndMissingFolderGiveTwoAndThree) {
-  TempDir T;
-  EXPECT_EQ(GetFileAttributesA(T / "nope.txt"), INVALID_FILE_ATTRIBUTES);
-  EXPECT_EQ(GetLastError(), ERROR_FILE_NOT_FOUND);
-  EXPECT_EQ(GetFileAttributesA(T / "nodir/nope.txt"), INVALID_FILE_ATTRIBUTES);
-  EXPECT_EQ(GetLastError(), ERROR_PATH_NOT_FOUND);
-}
-
-TEST(Attributes, LinksAreFollowedAndMarkedAndADanglingLinkDescribesItself) {
-  TempDir T;
-  WriteText(T / "a.txt", "x");
-  ASSERT_TRUE(SetFileAttributesA(T / "a.txt", FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_SYSTEM));
-  ASSERT_EQ(symlink("a.txt", (T / "to-file").c_str()), 0);
+  // Read-only from the mode; hidden from a leading dot or the stored bits,
+  // which other programs write as Samba does ("0x4": system).
+  MakeTree(T.Path(), {"a.txt", "ro [ro] [0x4]", ".env", "sys [0x4]", "to-file -> ro", "dangling -> missing"});
   ASSERT_EQ(symlink(T.Path().c_str(), (T / "to-dir").c_str()), 0);
-  ASSERT_EQ(symlink("missing", (T / "dangling").c_str()), 0);
   constexpr DWORD Link = FILE_ATTRIBUTE_REPARSE_POINT;
-  EXPECT_EQ(GetFileAttributesA(T / "to-file"), FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_SYSTEM | Link);
-  EXPECT_EQ(GetFileAttributesA(T / "to-dir"), FILE_ATTRIBUTE_DIRECTORY | Link);
-  EXPECT_EQ(GetFileAttributesA(T / "dangling"), Link);
-  // The bit is reported, never set: writing attributes back changes nothing.
+  const std::pair<std::string, DWORD> Cases[] = {
+      {"a.txt", FILE_ATTRIBUTE_NORMAL},
+      {"", FILE_ATTRIBUTE_DIRECTORY},
+      {"ro", FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_SYSTEM},
+      {".env", FILE_ATTRIBUTE_HIDDEN},
+      {".", FILE_ATTRIBUTE_DIRECTORY},
+      {"sys", FILE_ATTRIBUTE_SYSTEM},
+      // Links are followed and marked; a dangling one describes itself.
+      {"to-file", FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_SYSTEM | Link},
+      {"to-dir", FILE_ATTRIBUTE_DIRECTORY | Link},
+      {"dangling", Link},
+  };
+  for (const auto& [Name, Attributes] : Cases) EXPECT_EQ(GetFileAttributesA(T / Name), Attributes) << Name;
+  const std::pair<std::string, DWORD> Missing[] = {
+      {"nope", ERROR_FILE_NOT_FOUND}, {"nodir/nope", ERROR_PATH_NOT_FOUND}, {"a.txt/x", ERROR_PATH_NOT_FOUND}};
+  for (const auto& [Name, Error] : Missing) {
+    EXPECT_EQ(GetFileAttributesA(T / Name), INVALID_FILE_ATTRIBUTES) << Name;
+    EXPECT_EQ(GetLastError(), Error) << Name;
+  }
+  // The link bit is reported, never set: writing attributes back changes nothing.
   EXPECT_TRUE(SetFileAttributesA(T / "to-dir", GetFileAttributesA(T / "to-dir")));
   EXPECT_EQ(GetFileAttributesA(T.Path()), FILE_ATTRIBUTE_DIRECTORY);
-  EXPECT_EQ(GetFileAttributesA(T / "a.txt/x"), INVALID_FILE_ATTRIBUTES);
-  EXPECT_EQ(GetLastError(), ERROR_PATH_NOT_FOUND);
 }
 
-TEST(Attributes, ReadOnlyRemovesEveryWriteBitAndClearingGivesOwnerWriteBack) {
-  TempDir T;
-  WriteText(T / "a.txt", "x");
-  chmod((T / "a.txt").c_str(), 0666);
-  ASSERT_TRUE(SetFileAttributesA(T / "a.txt", FILE_ATTRIBUTE_READONLY));
-  EXPECT_EQ(ModeOf(T / "a.txt"), 0444u);
-  EXPECT_EQ(GetFileAttributesA(T / "a.txt"), FILE_ATTRIBUTE_READONLY);
-  ASSERT_TRUE(SetFileAttributesA(T / "a.txt", FILE_ATTRIBUTE_NORMAL));
-  EXPECT_EQ(ModeOf(T / "a.txt"), 0644u);
-  EXPECT_EQ(GetFileAttributesA(T / "a.txt"), FILE_ATTRIBUTE_NORMAL);
-}
-
-TEST(Attributes, HiddenSystemArchiveRoundTripThroughTheExtendedAttribute) {
-  TempDir T;
-  WriteText(T / "a.txt", "x");
-  const DWORD All =
-      FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM | FILE_ATTRIBUTE_ARCHIVE | FILE_ATTRIBUTE_READONLY;
-  ASSERT_TRUE(SetFileAttributesA(T / "a.txt", All));
-  EXPECT_EQ(GetFileAttributesA(T / "a.txt"), All);
-  EXPECT_EQ(StoredValue(T / "a.txt"), "0x26");
-  ASSERT_TRUE(SetFileAttributesA(T / "a.txt", FILE_ATTRIBUTE_ARCHIVE));
-  EXPECT_EQ(GetFileAttributesA(T / "a.txt"), FILE_ATTRIBUTE_ARCHIVE);
-  EXPECT_EQ(StoredValue(T / "a.txt"), "0x20");
-  // Normal clears everything the file keeps.
-  ASSERT_TRUE(SetFileAttributesA(T / "a.txt", FILE_ATTRIBUTE_NORMAL));
-  EXPECT_EQ(GetFileAttributesA(T / "a.txt"), FILE_ATTRIBUTE_NORMAL);
-  EXPECT_EQ(StoredValue(T / "a.txt"), "");
-}
-
-TEST(Attributes, ReadsTheSambaTextFormWrittenByOthers) {
-  TempDir T;
-  WriteText(T / "a.txt", "x");
-  ASSERT_EQ(setxattr((T / "a.txt").c_str(), "user.DOSATTRIB", "0x4", 3, 0), 0);
-  EXPECT_EQ(GetFileAttributesA(T / "a.txt"), FILE_ATTRIBUTE_SYSTEM);
-}
-
-TEST(Attributes, LeadingDotIsHiddenAndCannotBeCleared) {
-  TempDir T;
-  WriteText(T / ".env", "x");
-  EXPECT_EQ(GetFileAttributesA(T / ".env"), FILE_ATTRIBUTE_HIDDEN);
-  ASSERT_TRUE(SetFileAttributesA(T / ".env", FILE_ATTRIBUTE_NORMAL));
-  EXPECT_EQ(GetFileAttributesA(T / ".env"), FILE_ATTRIBUTE_HIDDEN);
-  EXPECT_EQ(GetFileAttributesA(T.Path() + "/."), FILE_ATTRIBUTE_DIRECTORY);
+TEST(Attributes, WhatSetFileAttributesLeaves) {
+  const DWORD All = FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM | FILE_ATTRIBUTE_ARCHIVE | FILE_ATTRIBUTE_READONLY;
+  const struct {
+    std::string Before;
+    DWORD Set;
+    std::string After;  // as Tree shows it
+    mode_t Mode;
+  } Cases[] = {
+      // Read-only takes every write bit; clearing it gives the owner's back.
+      {"a", FILE_ATTRIBUTE_READONLY, "a [ro]", 0444},
+      {"a [ro]", FILE_ATTRIBUTE_NORMAL, "a", 0644},
+      {"a", All, "a [ro] [0x26]", 0444},
+      {"a [0x26]", FILE_ATTRIBUTE_ARCHIVE, "a [0x20]", 0666},
+      {"a [ro] [0x26]", FILE_ATTRIBUTE_NORMAL, "a", 0644},  // normal clears everything the file keeps
+      {".env", FILE_ATTRIBUTE_NORMAL, ".env", 0666},         // a leading dot stays hidden
+  };
+  for (const auto& C : Cases) {
+    SCOPED_TRACE(C.Before);
+    TempDir T;
+    MakeTree(T.Path(), {C.Before});
+    const std::string Name = C.Before.substr(0, C.Before.find(' ')), Path = T / Name;
+    if (C.Before.find("[ro]") == std::string::npos) chmod(Path.c_str(), 0666);
+    ASSERT_TRUE(SetFileAttributesA(Path, C.Set));
+    EXPECT_EQ(Tree(T.Path()), std::vector<std::string>{C.After});
+    EXPECT_EQ(ModeOf(Path), C.Mode);
+    EXPECT_EQ(GetFileAttributesA(Path), Name == ".env" ? FILE_ATTRIBUTE_HIDDEN : C.Set);
+  }
 }
 
 // A file system that cannot keep extended attributes.
@@ -142,7 +120,7 @@ TEST(Attributes, ChangeByAnotherProgramIsSeenAfterASearchHasReadTheFile) {
   FindClose(F);
   EXPECT_NE(FindFirst(T / "*.txt", 0, F), 0);
   ASSERT_TRUE(CopyFileExA(T / "a.txt", T / "b.txt", nullptr, nullptr, nullptr, 0));
-  EXPECT_EQ(StoredValue(T / "b.txt"), "0x24");
+  EXPECT_EQ(Tree(T.Path()), (std::vector<std::string>{"a.txt [0x4]", "b.txt [0x24]"}));
 }
 
 }  // namespace

@@ -13,99 +13,72 @@
 #include "platform/stop.h"
 #include "platform/system_paths.h"
 #include "support/Files.h"
-#include "tests/support/TempDir.h"
+#include "support/TempDir.h"
 
 namespace zt::platform {
 namespace {
 
+using Lines = std::vector<std::string>;
 using zt::testing::Exists;
 using zt::testing::ListNames;
+using zt::testing::MakeTree;
+using zt::testing::Tree;
 using zt::testing::ModeOf;
 using zt::testing::ReadText;
 using zt::testing::TempDir;
 using zt::testing::WriteText;
 
-TEST(DeleteFile, RefusesReadOnlyFileEvenForRootUntilTheAttributeIsCleared) {
-  TempDir T;
-  WriteText(T / "a.txt", "x");
-  ASSERT_TRUE(SetFileAttributesA(T / "a.txt", FILE_ATTRIBUTE_READONLY));
-  EXPECT_FALSE(DeleteFile(T / "a.txt"));
-  EXPECT_EQ(GetLastError(), ERROR_ACCESS_DENIED);
-  EXPECT_TRUE(Exists(T / "a.txt"));
-  ASSERT_TRUE(SetFileAttributesA(T / "a.txt", FILE_ATTRIBUTE_NORMAL));
-  EXPECT_TRUE(DeleteFile(T / "a.txt"));
-  EXPECT_FALSE(Exists(T / "a.txt"));
-}
+enum Op { kDelete, kCreateDirectory, kForceDirectories, kRemoveDirectory, kWriteAtomically };
+constexpr DWORD kSomeError = 0xFFFFFFFF;  // fails, whatever the code
 
-TEST(DeleteFile, HiddenAndSystemFilesDeleteNormally) {
-  TempDir T;
-  WriteText(T / "h.txt", "x");
-  ASSERT_TRUE(SetFileAttributesA(T / "h.txt", FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM));
-  EXPECT_TRUE(DeleteFile(T / "h.txt"));
-  EXPECT_FALSE(Exists(T / "h.txt"));
-}
-
-TEST(DeleteFile, DirectoryMissingFileAndMissingFolder) {
-  TempDir T;
-  mkdir((T / "sub").c_str(), 0777);
-  EXPECT_FALSE(DeleteFile(T / "sub"));
-  EXPECT_EQ(GetLastError(), ERROR_ACCESS_DENIED);
-  EXPECT_TRUE(Exists(T / "sub"));
-  EXPECT_FALSE(DeleteFile(T / "missing.txt"));
-  EXPECT_EQ(GetLastError(), ERROR_FILE_NOT_FOUND);
-  EXPECT_FALSE(DeleteFile(T / "nodir/missing.txt"));
-  EXPECT_EQ(GetLastError(), ERROR_PATH_NOT_FOUND);
-}
-
-TEST(Directories, CreateNeedsTheParentAndRefusesExistingNames) {
-  TempDir T;
-  EXPECT_FALSE(CreateDirectory(T / "a/b"));
-  EXPECT_EQ(GetLastError(), ERROR_PATH_NOT_FOUND);
-  EXPECT_TRUE(CreateDirectory(T / "a"));
-  EXPECT_TRUE(DirectoryExists(T / "a"));
-  EXPECT_FALSE(CreateDirectory(T / "a"));
-  EXPECT_EQ(GetLastError(), ERROR_ALREADY_EXISTS);
-  WriteText(T / "f", "x");
-  EXPECT_FALSE(CreateDirectory(T / "f"));
-  EXPECT_EQ(GetLastError(), ERROR_ALREADY_EXISTS);
-}
-
-TEST(Directories, ForceCreatesEveryMissingLevel) {
-  TempDir T;
-  EXPECT_TRUE(ForceDirectories(T / "a/b/c/"));
-  EXPECT_TRUE(DirectoryExists(T / "a/b/c"));
-  EXPECT_TRUE(ForceDirectories(T / "a/b/c"));
-  WriteText(T / "f", "x");
-  EXPECT_FALSE(ForceDirectories(T / "f/g"));
-  EXPECT_FALSE(DirectoryExists(T / "f/g"));
-}
-
-TEST(Directories, RemoveOnlyEmptyDirectories) {
-  TempDir T;
-  mkdir((T / "d").c_str(), 0777);
-  WriteText(T / "d/a.txt", "x");
-  EXPECT_FALSE(RemoveDirectory(T / "d"));
-  EXPECT_EQ(GetLastError(), ERROR_DIR_NOT_EMPTY);
-  unlink((T / "d/a.txt").c_str());
-  EXPECT_TRUE(RemoveDirectory(T / "d"));
-  EXPECT_FALSE(Exists(T / "d"));
-  WriteText(T / "f", "x");
-  EXPECT_FALSE(RemoveDirectory(T / "f"));
-  EXPECT_EQ(GetLastError(), ERROR_DIRECTORY);
-}
-
-TEST(Directories, RemoveTakesALinkToADirectoryAwayAsALink) {
-  TempDir T;
-  mkdir((T / "d").c_str(), 0777);
-  WriteText(T / "d/a.txt", "x");
-  WriteText(T / "f", "x");
-  ASSERT_EQ(symlink("d", (T / "dlink").c_str()), 0);
-  ASSERT_EQ(symlink("f", (T / "flink").c_str()), 0);
-  EXPECT_TRUE(RemoveDirectory(T / "dlink"));
-  EXPECT_EQ(ListNames(T.Path()), (std::vector<std::string>{"d", "f", "flink"}));
-  EXPECT_EQ(ListNames(T / "d"), (std::vector<std::string>{"a.txt"}));
-  EXPECT_FALSE(RemoveDirectory(T / "flink"));
-  EXPECT_EQ(GetLastError(), ERROR_DIRECTORY);
+TEST(Files, WhatEachCallLeavesAndTheErrorItReports) {
+  const struct {
+    Lines Before;
+    Op Call;
+    std::string Path;
+    DWORD Error;  // ERROR_SUCCESS for a call that succeeds
+    Lines After;
+  } Cases[] = {
+      // Read-only refuses a delete even for root; hidden and system do not.
+      {{"a [ro]"}, kDelete, "a", ERROR_ACCESS_DENIED, {"a [ro]"}},
+      {{"h [0x6]"}, kDelete, "h", ERROR_SUCCESS, {}},
+      {{"sub/"}, kDelete, "sub", ERROR_ACCESS_DENIED, {"sub/"}},
+      {{}, kDelete, "missing", ERROR_FILE_NOT_FOUND, {}},
+      {{}, kDelete, "nodir/missing", ERROR_PATH_NOT_FOUND, {}},
+      {{}, kCreateDirectory, "a/b", ERROR_PATH_NOT_FOUND, {}},
+      {{}, kCreateDirectory, "a", ERROR_SUCCESS, {"a/"}},
+      {{"a/"}, kCreateDirectory, "a", ERROR_ALREADY_EXISTS, {"a/"}},
+      {{"f"}, kCreateDirectory, "f", ERROR_ALREADY_EXISTS, {"f"}},
+      {{}, kForceDirectories, "a/b/c/", ERROR_SUCCESS, {"a/b/c/"}},
+      {{"a/b/c/"}, kForceDirectories, "a/b/c", ERROR_SUCCESS, {"a/b/c/"}},
+      {{"f"}, kForceDirectories, "f/g", kSomeError, {"f"}},
+      // Only an empty directory is removed; a link to one goes as a link.
+      {{"d/a"}, kRemoveDirectory, "d", ERROR_DIR_NOT_EMPTY, {"d/a"}},
+      {{"d/"}, kRemoveDirectory, "d", ERROR_SUCCESS, {}},
+      {{"f"}, kRemoveDirectory, "f", ERROR_DIRECTORY, {"f"}},
+      {{"d/a", "dlink -> d"}, kRemoveDirectory, "dlink", ERROR_SUCCESS, {"d/a"}},
+      {{"f", "flink -> f"}, kRemoveDirectory, "flink", ERROR_DIRECTORY, {"f", "flink -> f"}},
+      // A whole-file write replaces the contents and leaves no other file.
+      {{"out=old"}, kWriteAtomically, "out", ERROR_SUCCESS, {"out=new"}},
+      {{}, kWriteAtomically, "fresh", ERROR_SUCCESS, {"fresh=new"}},
+      {{"out=old [ro]"}, kWriteAtomically, "out", ERROR_ACCESS_DENIED, {"out=old [ro]"}},
+  };
+  for (const auto& C : Cases) {
+    SCOPED_TRACE(std::to_string(C.Call) + " " + C.Path);
+    TempDir T;
+    MakeTree(T.Path(), C.Before);
+    const std::string P = T / C.Path;
+    const bool Ok = C.Call == kDelete             ? DeleteFile(P)
+                    : C.Call == kCreateDirectory  ? CreateDirectory(P)
+                    : C.Call == kForceDirectories ? ForceDirectories(P)
+                    : C.Call == kRemoveDirectory  ? RemoveDirectory(P)
+                                                  : WriteFileAtomically(P, "new");
+    EXPECT_EQ(Ok, C.Error == ERROR_SUCCESS);
+    if (C.Error != ERROR_SUCCESS && C.Error != kSomeError) {
+      EXPECT_EQ(GetLastError(), C.Error);
+    }
+    EXPECT_EQ(Tree(T.Path()), C.After);
+  }
 }
 
 TEST(Files, LastWriteTimeKeepsHundredsOfNanosecondsOnFilesDirectoriesAndReadOnlyFiles) {
@@ -209,28 +182,14 @@ TEST(Files, ExistsTellsFilesFromDirectoriesThroughLinks) {
   EXPECT_FALSE(FileExists(T / "f"));
 }
 
-TEST(Files, WriteAtomicallyReplacesContentsAndLeavesNoTemporaryFile) {
+TEST(Files, WholeFilesReadBack) {
   TempDir T;
-  WriteText(T / "out.txt", "old");
-  ASSERT_TRUE(WriteFileAtomically(T / "out.txt", "new contents"));
-  EXPECT_EQ(zt::testing::ReadText(T / "out.txt"), "new contents");
-  ASSERT_TRUE(WriteFileAtomically(T / "fresh.txt", ""));
-  EXPECT_EQ(zt::testing::ListNames(T.Path()), (std::vector<std::string>{"fresh.txt", "out.txt"}));
+  WriteText(T / "f", "contents");
   std::string Back;
-  ASSERT_TRUE(ReadWholeFile(T / "out.txt", Back));
-  EXPECT_EQ(Back, "new contents");
-  EXPECT_FALSE(ReadWholeFile(T / "none.txt", Back));
+  ASSERT_TRUE(ReadWholeFile(T / "f", Back));
+  EXPECT_EQ(Back, "contents");
+  EXPECT_FALSE(ReadWholeFile(T / "none", Back));
   EXPECT_EQ(GetLastError(), ERROR_FILE_NOT_FOUND);
-}
-
-TEST(Files, WriteAtomicallyRefusesReadOnlyTargetAndLeavesItUnchanged) {
-  TempDir T;
-  WriteText(T / "out.txt", "old");
-  ASSERT_TRUE(SetFileAttributesA(T / "out.txt", FILE_ATTRIBUTE_READONLY));
-  EXPECT_FALSE(WriteFileAtomically(T / "out.txt", "new"));
-  EXPECT_EQ(GetLastError(), ERROR_ACCESS_DENIED);
-  EXPECT_EQ(zt::testing::ReadText(T / "out.txt"), "old");
-  EXPECT_EQ(zt::testing::ListNames(T.Path()), (std::vector<std::string>{"out.txt"}));
 }
 
 TEST(Files, AfterAStopLongOperationsFailAtOnceUntilResumed) {

@@ -6,7 +6,7 @@
 
 #include "platform/env.h"
 #include "platform/tools/robocopy.h"
-#include "tests/platform/file_util.h"
+#include "support/Files.h"
 #include "tests/support/TempDir.h"
 
 namespace zt::platform {

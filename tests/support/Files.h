@@ -57,16 +57,23 @@ inline std::vector<std::string> ListNames(const std::string& Dir) {
 }
 
 // A folder's files as lines "path=contents" ("path" alone when the contents
-// are "x"), sorted, paths relative to the folder; an empty folder is "path/". A read-only file ends in " [ro]", a
-// file with stored DOS attributes in " [0x..]" (the layer's stored value, as
-// "0x24" for system and archive). MakeTree makes the files its lines name.
+// are "x"), sorted, paths relative to the folder; an empty folder is "path/".
+// A read-only file ends in " [ro]", a file with stored DOS attributes in
+// " [0x..]" (the layer's stored value, as
+// "0x24" for system and archive); a link is "path -> target". MakeTree makes
+// the files its lines name, and "path => other" as a second name of other.
 inline std::vector<std::string> Tree(const std::string& Dir) {
   namespace fs = std::filesystem;
   std::vector<std::string> Lines;
   std::error_code Ec;
-  for (auto It = fs::recursive_directory_iterator(Dir, Ec); It != fs::recursive_directory_iterator(); ++It) {
+  for (auto It = fs::recursive_directory_iterator(Dir, Ec); It != fs::recursive_directory_iterator();
+       It.increment(Ec)) {
     const std::string Path = It->path().string(), Name = Path.substr(Dir.size() + 1);
-    if (It->is_directory() && !It->is_symlink()) {
+    if (It->is_symlink()) {
+      Lines.push_back(Name + " -> " + fs::read_symlink(Path, Ec).string());
+      continue;
+    }
+    if (It->is_directory()) {
       if (fs::is_empty(Path, Ec)) Lines.push_back(Name + "/");
       continue;
     }
@@ -83,8 +90,18 @@ inline std::vector<std::string> Tree(const std::string& Dir) {
 
 inline void MakeTree(const std::string& Dir, const std::vector<std::string>& Lines) {
   for (std::string Line : Lines) {
+    std::error_code Ec;
     if (Line.ends_with("/")) {
-      std::filesystem::create_directories(Dir + "/" + Line);
+      std::filesystem::create_directories(Dir + "/" + Line, Ec);
+      continue;
+    }
+    if (const std::size_t Arrow = Line.find(" => "); Arrow != std::string::npos) {
+      std::filesystem::create_hard_link(Dir + "/" + Line.substr(Arrow + 4), Dir + "/" + Line.substr(0, Arrow), Ec);
+      continue;
+    }
+    if (const std::size_t Arrow = Line.find(" -> "); Arrow != std::string::npos) {
+      std::filesystem::create_directories(std::filesystem::path(Dir + "/" + Line.substr(0, Arrow)).parent_path(), Ec);
+      std::filesystem::create_symlink(Line.substr(Arrow + 4), Dir + "/" + Line.substr(0, Arrow), Ec);
       continue;
     }
     std::string Stored;
