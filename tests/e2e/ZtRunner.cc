@@ -1,6 +1,7 @@
 #include "ZtRunner.h"
 
 #include <fcntl.h>
+#include <gtest/gtest.h>
 #include <poll.h>
 #include <signal.h>
 #include <sys/wait.h>
@@ -12,8 +13,6 @@
 #include <fstream>
 #include <stdexcept>
 #include <thread>
-
-#include <gtest/gtest.h>
 
 #include "support/Files.h"
 #include "support/TempDir.h"
@@ -69,7 +68,8 @@ struct SignalPlan {
   int Times = 1;
 };
 
-ZtResult Spawn(const std::string& Dir, const std::vector<std::string>& Args, const SignalPlan* Plan = nullptr) {
+ZtResult Spawn(const std::string& Dir, const std::vector<std::string>& Args,
+               const SignalPlan* Plan = nullptr) {
   ZtResult R;
   int OutPipe[2], ErrPipe[2];
   if (pipe(OutPipe) != 0 || pipe(ErrPipe) != 0) throw std::runtime_error("pipe failed");
@@ -118,8 +118,8 @@ bool IsEventOf(const nlohmann::json& E, const char* Event, const std::string& Id
 
 std::string ZtPath() { return ZT_EXECUTABLE; }
 
-ZtResult RunZt(const std::string& Dir, const std::string& ProjectYaml, const std::vector<std::string>& ExtraArgs,
-               const std::string& Command) {
+ZtResult RunZt(const std::string& Dir, const std::string& ProjectYaml,
+               const std::vector<std::string>& ExtraArgs, const std::string& Command) {
   if (!ProjectYaml.empty()) std::ofstream(Dir + "/project.yml") << ProjectYaml;
   std::string LogPath = Dir + "/log.jsonl";
   std::remove(LogPath.c_str());
@@ -220,7 +220,9 @@ void ExpectCases(const std::vector<ActionCase>& Cases, const std::vector<std::st
     EXPECT_EQ(Said(R, "1"), C.Log) << R.Stderr;
     EXPECT_EQ(ActionResult(R, "1"), C.Result);
     std::vector<std::string> After = Tree(D.Path());
-    std::erase_if(After, [](const std::string& L) { return L.starts_with("project.yml=") || L.starts_with("log.jsonl="); });
+    std::erase_if(After, [](const std::string& L) {
+      return L.starts_with("project.yml=") || L.starts_with("log.jsonl=");
+    });
     std::vector<std::string> Expected = C.After;
     std::sort(Expected.begin(), Expected.end());
     EXPECT_EQ(After, Expected);

@@ -2,10 +2,9 @@
 // collects its exit code, console output and JSON Lines build log.
 #pragma once
 
+#include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
-
-#include <nlohmann/json.hpp>
 
 namespace zt::testing {
 
@@ -19,8 +18,8 @@ struct ZtResult {
 // `<zt> <Command> project.yml [--log-json Dir/log.jsonl when Command=="run"] <ExtraArgs...>`
 // with Dir as working directory; parses the JSON Lines log. An empty
 // ProjectYaml leaves an existing Dir/project.yml alone.
-ZtResult RunZt(const std::string& Dir, const std::string& ProjectYaml, const std::vector<std::string>& ExtraArgs = {},
-               const std::string& Command = "run");
+ZtResult RunZt(const std::string& Dir, const std::string& ProjectYaml,
+               const std::vector<std::string>& ExtraArgs = {}, const std::string& Command = "run");
 
 // As RunZt for `run`, but sends Signal to zt once its JSON log holds
 // SignalWhenLogHas (polled every few milliseconds), as a user's Ctrl+C does;

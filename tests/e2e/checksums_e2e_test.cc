@@ -1,10 +1,10 @@
 // "Calculate File CRC32" and "Calculate File MD5" through zt: the lines, the
 // result and the variable each run leaves, one row per rule; a file another
 // program is writing; validation.
+#include <gtest/gtest.h>
+
 #include <string>
 #include <vector>
-
-#include <gtest/gtest.h>
 
 #include "ZtRunner.h"
 #include "support/Files.h"
@@ -17,13 +17,20 @@ namespace {
 using Lines = std::vector<std::string>;
 
 // Files and their checksums (from zlib and coreutils).
-const Lines kFiles = {"check.txt=123456789", "copy.txt=123456789", "first=first", "second=second",
-                      "empty=", "ones=x|\xe9#s", "small=y\xd9" "a:\xc7"};
+const Lines kFiles = {"check.txt=123456789",
+                      "copy.txt=123456789",
+                      "first=first",
+                      "second=second",
+                      "empty=",
+                      "ones=x|\xe9#s",
+                      "small=y\xd9"
+                      "a:\xc7"};
 const std::string kCheckMD5 = "25F9E794323B453885F5181F1B624D0B";  // of "123456789"
 
 TEST(ChecksumsEndToEnd, CRC32Rules) {
   const std::string Crc = "action: Calculate File CRC32, ";
   const std::string Said = "CRC32 for check.txt is $CBF43926";
+  // clang-format off
   ExpectCases(
       {
           {Crc + "FileName: check.txt", kFiles, {Said}, "success", kFiles, R"({"DIR": "."})"},
@@ -64,11 +71,13 @@ TEST(ChecksumsEndToEnd, CRC32Rules) {
            kFiles},
       },
       {"--var", "DIR=."});
+  // clang-format on
 }
 
 TEST(ChecksumsEndToEnd, MD5Rules) {
   const std::string Md5 = "action: Calculate File MD5, ";
   const std::string Said = "MD5 for check.txt is " + kCheckMD5;
+  // clang-format off
   ExpectCases({
       {Md5 + "FileName: check.txt, ZTVariable: Digest", kFiles, {Said}, "success", kFiles,
        R"({"Digest": ")" + kCheckMD5 + "\"}"},
@@ -92,6 +101,7 @@ TEST(ChecksumsEndToEnd, MD5Rules) {
              "CompareToMD5: '0'",
        kFiles, {Said, "MD5 matches file: copy.txt", "MD5 don't match", "Compare to MD5: 0"}, "failure", kFiles},
   });
+  // clang-format on
 }
 
 TEST(ChecksumsEndToEnd, AFileAnotherProgramWritesCannotBeHashed) {
@@ -104,7 +114,8 @@ TEST(ChecksumsEndToEnd, AFileAnotherProgramWritesCannotBeHashed) {
   - {action: Calculate File MD5, FileName: a.txt, FailIfDiffToFile: true, CompareToFile: busy.log}
 )");
   EXPECT_EQ(Messages(R, "1"), Lines{"Hash of file busy.log failed"});
-  EXPECT_EQ(Messages(R, "2"), (Lines{"MD5 for a.txt is BA11B8FEB4E43D227DCABE6565836D24", "Hash of file busy.log failed"}));
+  EXPECT_EQ(Messages(R, "2"),
+            (Lines{"MD5 for a.txt is BA11B8FEB4E43D227DCABE6565836D24", "Hash of file busy.log failed"}));
   EXPECT_EQ(ActionResult(R, "2"), "failure");
 }
 
@@ -114,7 +125,8 @@ TEST(ChecksumsEndToEnd, ValidationReportsAMissingFileName) {
   - action: Calculate File CRC32
   - {action: Calculate File MD5, FileName: x}
   - action: Calculate File MD5
-)", {}, "validate");
+)",
+                     {}, "validate");
   EXPECT_EQ(R.ExitCode, 1) << R.Stderr;
   EXPECT_EQ(R.Stdout,
             "1 Calculate File CRC32: File Name: Filename has not been set\n"

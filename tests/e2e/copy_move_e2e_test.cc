@@ -2,13 +2,12 @@
 // result, and every file afterwards (a copy carries the archive bit, stored
 // as 0x20), one table row per rule.
 #include <dirent.h>
+#include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <sys/xattr.h>
 
 #include <string>
 #include <vector>
-
-#include <gtest/gtest.h>
 
 #include "ZtRunner.h"
 #include "support/Files.h"
@@ -25,6 +24,7 @@ TEST(CopyMoveEndToEnd, CopyRules) {
                       "src/other/skip.log=skip"};
   auto With = [](Lines A, const Lines& B) { return A.insert(A.end(), B.begin(), B.end()), A; };
   const std::string Copy = "action: Copy File(s), ";
+  // clang-format off
   ExpectCases({
       {Copy + "FileSpec: src/*.txt, Target: out", With(Src, {"out/"}),
        {"Copying files : src/*.txt -> out", "2 Files Copied."}, "success",
@@ -99,11 +99,13 @@ TEST(CopyMoveEndToEnd, CopyRules) {
        {"Copying files : src/*.txt -> single", "1 Files Copied."}, "success",
        {"single=b [0x20]", "src/b.txt=b", "src/sub/a.txt=a"}},
   });
+  // clang-format on
 }
 
 TEST(CopyMoveEndToEnd, MoveRules) {
   const std::string Move = "action: Move File(s), ";
   const std::string Header = "Moving files : src/*.txt -> out";
+  // clang-format off
   ExpectCases({
       {Move + "FileSpec: src/*.txt, Target: out", {"src/a.txt=a", "src/b.txt=b", "src/c.log=c", "out/"},
        {Header, "2 Files Moved."}, "success", {"out/a.txt=a", "out/b.txt=b", "src/c.log=c"}},
@@ -155,6 +157,7 @@ TEST(CopyMoveEndToEnd, MoveRules) {
        {" --> Unable to Move files : ", " --> Variable \"UNDEFINED_DIR\" is not defined"}, "failure", {}},
       {Move + "FileSpec: '  ', Target: out", {}, {}, "success", {}},
   });
+  // clang-format on
 }
 
 // Names in Dir in the order the file system lists them, which is the order
@@ -203,7 +206,8 @@ TEST(CopyMoveEndToEnd, CopyLogsOneProgressLinePerFileAndFailuresStopTheBuild) {
   ASSERT_EQ(Progress.size(), 4u);
   EXPECT_EQ(Progress[0], std::make_pair(std::string("Copying File : src/a.txt to : tree/a.txt"), 0));
   EXPECT_EQ(Progress[1], std::make_pair(std::string("Copying File : src/a.txt to : tree/a.txt"), 100));
-  EXPECT_EQ(Progress[3], std::make_pair(std::string("Copying File : src/sub/b.txt to : tree/sub/b.txt"), 100));
+  EXPECT_EQ(Progress[3],
+            std::make_pair(std::string("Copying File : src/sub/b.txt to : tree/sub/b.txt"), 100));
   EXPECT_EQ(ActionResult(R, "2"), "failure");
   EXPECT_EQ(ActionResult(R, "3"), "");
   EXPECT_FALSE(Exists(D / "never.txt"));
@@ -211,8 +215,9 @@ TEST(CopyMoveEndToEnd, CopyLogsOneProgressLinePerFileAndFailuresStopTheBuild) {
 
 TEST(CopyMoveEndToEnd, ValidateNamesMissingPropertiesAndCountsAreReadOnly) {
   TempDir D;
-  ZtResult R = RunZt(D.Path(), "actions:\n  - action: Copy File(s)\n  - {action: Move File(s), FileSpec: a.txt}\n",
-                     {}, "validate");
+  ZtResult R =
+      RunZt(D.Path(), "actions:\n  - action: Copy File(s)\n  - {action: Move File(s), FileSpec: a.txt}\n", {},
+            "validate");
   EXPECT_EQ(R.ExitCode, 1);
   EXPECT_EQ(R.Stdout,
             "1 Copy File(s): File Spec: The file spec has not been set\n"

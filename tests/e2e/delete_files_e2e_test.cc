@@ -1,9 +1,9 @@
 // "Delete File(s)" through zt: the log entry, the result and the files left,
 // one row per rule; the first read-only file stopping the build.
+#include <gtest/gtest.h>
+
 #include <string>
 #include <vector>
-
-#include <gtest/gtest.h>
 
 #include "ZtRunner.h"
 #include "support/Files.h"
@@ -16,6 +16,7 @@ using Lines = std::vector<std::string>;
 
 TEST(DeleteFilesEndToEnd, DeleteRules) {
   const std::string Delete = "action: Delete File(s), ";
+  // clang-format off
   ExpectCases(
       {
           {Delete + "FileSpec: out/*.tmp", {"out/a.tmp", "out/b.tmp", "out/keep.txt"},
@@ -45,6 +46,7 @@ TEST(DeleteFilesEndToEnd, DeleteRules) {
           {Delete + "FileSpec: '%NOPE%/*.txt'", {}, {"Variable \"NOPE\" is not defined"}, "failure", {}},
       },
       {"--var", "OUT=out", "--var", "BLANK= "});
+  // clang-format on
 }
 
 TEST(DeleteFilesEndToEnd, FirstReadOnlyFileStopsTheBuild) {
@@ -67,7 +69,8 @@ TEST(DeleteFilesEndToEnd, FirstReadOnlyFileStopsTheBuild) {
 
 TEST(DeleteFilesEndToEnd, ValidateAndDescribeShowTheSpecAsWritten) {
   TempDir Dir;
-  ZtResult R = RunZt(Dir.Path(), "actions:\n  - {action: Delete File(s), title: Clean output}\n", {}, "validate");
+  ZtResult R =
+      RunZt(Dir.Path(), "actions:\n  - {action: Delete File(s), title: Clean output}\n", {}, "validate");
   EXPECT_EQ(R.ExitCode, 1);
   EXPECT_EQ(R.Stdout, "1 Clean output: File Spec: The file spec has not been set\n");
   R = RunZt(Dir.Path(), "actions:\n  - {action: Delete File(s), FileSpec: '%OUT%/*.obj'}\n", {}, "describe");

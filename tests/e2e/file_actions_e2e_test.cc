@@ -2,13 +2,12 @@
 // File(s) through zt: the lines a user reads, the result, the variables and
 // every file afterwards, one row per rule.
 #include <fcntl.h>
+#include <gtest/gtest.h>
 #include <sys/stat.h>
 
 #include <ctime>
 #include <string>
 #include <vector>
-
-#include <gtest/gtest.h>
 
 #include "ZtRunner.h"
 #include "support/Files.h"
@@ -21,6 +20,7 @@ using Lines = std::vector<std::string>;
 
 TEST(FileActionsE2E, CreateDirectoryRules) {
   const std::string Create = "action: Create Directory, FileOrDirectory: ";
+  // clang-format off
   ExpectCases(
       {
           {Create + "'  %OUT%  '", {}, {"Created directory : out"}, "success", {"out/"}},
@@ -36,6 +36,7 @@ TEST(FileActionsE2E, CreateDirectoryRules) {
            "failure", {}},
       },
       {"--var", "OUT=out"});
+  // clang-format on
 }
 
 TEST(FileActionsE2E, CheckIfFileExistsRules) {
@@ -43,6 +44,7 @@ TEST(FileActionsE2E, CheckIfFileExistsRules) {
   const Lines Here = {"a.txt", "b.txt", "folder/", ".hidden", "Übersicht 2024.txt"};
   const std::string Yes = "Found a match for the File Spec", No = "No match found for File Spec";
   const std::string True = R"({"Found": true})", False = R"({"Found": false})";
+  // clang-format off
   ExpectCases({
       {Check + "FileOrDirectory: a.txt", Here, {Yes}, "success", Here, True},
       {Check + "FileOrDirectory: '*.txt'", Here, {Yes}, "success", Here, True},
@@ -66,10 +68,12 @@ TEST(FileActionsE2E, CheckIfFileExistsRules) {
        False},
       {Check + "UseFileSpec: false, ExistsMode: feFailIfExists", {}, {}, "success", {}, False},
   });
+  // clang-format on
 }
 
 TEST(FileActionsE2E, SetFileAttributesRules) {
   const std::string Set = "action: Set File Attributes, ";
+  // clang-format off
   ExpectCases({
       {Set + "FileSpec: '*.txt', ReadOnly: asSet, LogAllFiles: true", {"a.txt", "c.log"},
        {"File spec : *.txt", "Processed File : a.txt"}, "success", {"a.txt [ro]", "c.log"}},
@@ -93,6 +97,7 @@ TEST(FileActionsE2E, SetFileAttributesRules) {
       {Set + "FileSpec: '%NOPE%/*.txt', Hidden: asSet", {}, {"Variable \"NOPE\" is not defined"}, "failure", {}},
   },
               {"--var", "D=dir"});
+  // clang-format on
 }
 
 // Sets Path's modification time to the local time Stamp ("YYYY-MM-DD HH:MM:SS").
@@ -117,10 +122,11 @@ TEST(FileActionsE2E, TouchRules) {
   const std::string Touch = "action: Touch File(s), ", When = "DateTime: 2021-06-15T13:45:31, ";
   const struct {
     std::string Settings;
-    Lines Files;   // all stamped Old before the run
+    Lines Files;  // all stamped Old before the run
     Lines Log;
     std::string Result;
     Lines Stamps;  // "file=stamp" afterwards
+    // clang-format off
   } Cases[] = {
       {"FileSpec: '*.txt'", {"a.txt", "c.log"}, {"Processed : 1 File(s)"}, "success", {"a.txt=" + New, "c.log=" + Old}},
       {"FileSpec: f, TouchTime: false", {"f"}, {"Processed : 1 File(s)"}, "success", {"f=2021-06-15 08:10:20"}},
@@ -152,6 +158,7 @@ TEST(FileActionsE2E, TouchRules) {
       {"FileSpec: f, DateTimeAsString: 02/29/2024", {"f"}, {"Processed : 1 File(s)"}, "success",
        {"f=2024-02-29 00:00:00"}},
   };
+  // clang-format on
   for (const auto& C : Cases) {
     SCOPED_TRACE(C.Settings);
     TempDir D;
@@ -163,18 +170,22 @@ TEST(FileActionsE2E, TouchRules) {
     const ZtResult R = RunZt(D.Path(), "actions:\n  - {" + Action + "}\n", {"--var", "D=d"});
     EXPECT_EQ(Said(R, "1"), C.Log) << R.Stderr;
     EXPECT_EQ(ActionResult(R, "1"), C.Result);
-    for (const std::string& S : C.Stamps) EXPECT_EQ(S.substr(0, S.find('=') + 1) + Stamp(D / S.substr(0, S.find('='))), S);
+    for (const std::string& S : C.Stamps)
+      EXPECT_EQ(S.substr(0, S.find('=') + 1) + Stamp(D / S.substr(0, S.find('='))), S);
   }
 }
 
 TEST(FileActionsE2E, TouchDateTextsAreReadInOneFormatAndShownInIt) {
   TempDir D;
-  for (const char* Bad : {"yesterday", "13/01/2024", "02/30/2023", "1/1/24", "01/01/2024 25:00", "01/01/2024x"}) {
-    ZtResult R = RunZt(D.Path(), "actions:\n  - {action: Touch File(s), FileSpec: f, DateTimeAsString: '" +
-                                     std::string(Bad) + "'}\n",
-                       {}, "validate");
+  for (const char* Bad :
+       {"yesterday", "13/01/2024", "02/30/2023", "1/1/24", "01/01/2024 25:00", "01/01/2024x"}) {
+    ZtResult R = RunZt(
+        D.Path(),
+        "actions:\n  - {action: Touch File(s), FileSpec: f, DateTimeAsString: '" + std::string(Bad) + "'}\n",
+        {}, "validate");
     EXPECT_EQ(R.ExitCode, 2) << Bad;
-    EXPECT_NE(R.Stderr.find("'" + std::string(Bad) + "' is not a valid date and time"), std::string::npos) << R.Stderr;
+    EXPECT_NE(R.Stderr.find("'" + std::string(Bad) + "' is not a valid date and time"), std::string::npos)
+        << R.Stderr;
   }
   ZtResult R = RunZt(D.Path(), R"(actions:
   - {action: Touch File(s), FileSpec: none, DateTime: 2024-03-05T07:08:09, UseNow: true,

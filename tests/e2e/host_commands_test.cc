@@ -1,7 +1,7 @@
 // zt validate, describe, actions and help, and the command line itself.
-#include <algorithm>
-
 #include <gtest/gtest.h>
+
+#include <algorithm>
 
 #include "ZtRunner.h"
 #include "support/TempDir.h"
@@ -25,8 +25,10 @@ TEST(HostCommandsTest, ValidatePrintsOneLinePerErrorAndExitsOne) {
   ZtResult R = RunZt(D.Path(), kTree, {}, "validate");
   EXPECT_EQ(R.ExitCode, 1) << R.Stderr;
   std::string Lines = "\n" + R.Stdout;
-  EXPECT_NE(Lines.find("\n2 Delete File(s): File Spec: The file spec has not been set\n"), std::string::npos) << Lines;
-  EXPECT_NE(Lines.find("\n3.2 Delete File(s): File Spec: The file spec has not been set\n"), std::string::npos);
+  EXPECT_NE(Lines.find("\n2 Delete File(s): File Spec: The file spec has not been set\n"), std::string::npos)
+      << Lines;
+  EXPECT_NE(Lines.find("\n3.2 Delete File(s): File Spec: The file spec has not been set\n"),
+            std::string::npos);
 }
 
 TEST(HostCommandsTest, ValidateOfAValidProjectExitsZero) {
@@ -34,8 +36,10 @@ TEST(HostCommandsTest, ValidateOfAValidProjectExitsZero) {
   ZtResult R = RunZt(D.Path(), "actions:\n  - action: Delete File(s)\n    FileSpec: a\n", {}, "validate");
   EXPECT_EQ(R.ExitCode, 0);
   EXPECT_EQ(R.Stdout, "project.yml: 1 action, no errors\n");
-  R = RunZt(D.Path(), "actions:\n  - action: Touch File(s)\n    FileSpec: a\n  - action: Touch File(s)\n    FileSpec: b\n",
-            {}, "validate");
+  R = RunZt(
+      D.Path(),
+      "actions:\n  - action: Touch File(s)\n    FileSpec: a\n  - action: Touch File(s)\n    FileSpec: b\n",
+      {}, "validate");
   EXPECT_EQ(R.Stdout, "project.yml: 2 actions, no errors\n");
   R = RunZt(D.Path(), "actions:\n  - action: Nothing\n", {}, "validate");
   EXPECT_EQ(R.ExitCode, 2);
@@ -59,7 +63,8 @@ TEST(HostCommandsTest, ActionsAvailableLeavesOutTheTypesNotAvailableYet) {
   const std::string All = RunZtArgs(D.Path(), {"actions"}).Stdout;
   const std::string Available = RunZtArgs(D.Path(), {"actions", "--available"}).Stdout;
   std::size_t Unavailable = 0;
-  for (std::size_t At = 0; (At = All.find("(not available yet)\n", At)) != std::string::npos; ++At) ++Unavailable;
+  for (std::size_t At = 0; (At = All.find("(not available yet)\n", At)) != std::string::npos; ++At)
+    ++Unavailable;
   if (Unavailable == 0) GTEST_SKIP() << "every action type is available";
   EXPECT_EQ(std::count(Available.begin(), Available.end(), '\n') + Unavailable,
             std::count(All.begin(), All.end(), '\n'));
@@ -80,7 +85,8 @@ TEST(HostCommandsTest, MisspeltCommandsAndActionsGetDidYouMean) {
                                     {"crc", "Calculate File CRC32"},
                                     {"Delete Directry", "Delete Directory"}}) {
     R = RunZtArgs(D.Path(), {"help", Word});
-    EXPECT_EQ(R.Stderr, "zt: unknown action \"" + std::string(Word) + "\"; did you mean \"" + Meant + "\"?\n");
+    EXPECT_EQ(R.Stderr,
+              "zt: unknown action \"" + std::string(Word) + "\"; did you mean \"" + Meant + "\"?\n");
   }
   // A type that runs, where one fits, before one not available yet.
   std::string Available = RunZtArgs(D.Path(), {"actions", "--available"}).Stdout;
@@ -89,7 +95,8 @@ TEST(HostCommandsTest, MisspeltCommandsAndActionsGetDidYouMean) {
     std::size_t Start = Err.find("did you mean \"");
     ASSERT_NE(Start, std::string::npos) << Err;
     Start += 14;
-    EXPECT_NE(Available.find("  " + Err.substr(Start, Err.find('"', Start) - Start) + "  "), std::string::npos)
+    EXPECT_NE(Available.find("  " + Err.substr(Start, Err.find('"', Start) - Start) + "  "),
+              std::string::npos)
         << Err;
   }
 }

@@ -1,9 +1,9 @@
 // "Read Ini File" and "Write Ini File" through zt: the lines, the result,
 // the variable read and the file afterwards, one row per rule.
+#include <gtest/gtest.h>
+
 #include <string>
 #include <vector>
-
-#include <gtest/gtest.h>
 
 #include "ZtRunner.h"
 #include "support/TempDir.h"
@@ -22,8 +22,10 @@ std::string Vars(const std::string& More = "") {
 TEST(IniEndToEnd, ReadRules) {
   const std::string Read = "action: Read Ini File, VariableName: V, ";
   const std::string At = "IniFile: ./a.ini, Section: Build, ValueName: Version, ";
-  const std::string Head = "Reading from IniFile: ./a.ini Section : Build ValueName: Version Default Value : ";
+  const std::string Head =
+      "Reading from IniFile: ./a.ini Section : Build ValueName: Version Default Value : ";
   const Lines Ini = {"a.ini=[build]\r\nversion = \"1.4.2\"\r\nWord=true\r\nHex=0x10\r\n"};
+  // clang-format off
   ExpectCases(
       {
           {Read + At + "DefaultValue: none", Ini, {Head + "none", "New Value : 1.4.2"}, "success", Ini,
@@ -66,6 +68,7 @@ TEST(IniEndToEnd, ReadRules) {
            "failure", {}},
       },
       kVars);
+  // clang-format on
 }
 
 TEST(IniEndToEnd, WriteRules) {
@@ -73,7 +76,10 @@ TEST(IniEndToEnd, WriteRules) {
   const std::string At = "IniFile: ./a.ini, Section: Build, ValueName: Version, ";
   const std::string Head = "Writing to IniFile: ./a.iniSection : Build ValueName: Version Value: ";
   const Lines Ini = {"a.ini=; release\r\n[Build]\r\nVersion=1\r\nOther=x\r\n"};
-  auto With = [](const std::string& Version) { return Lines{"a.ini=; release\r\n[Build]\r\nVersion=" + Version + "\r\nOther=x\r\n"}; };
+  auto With = [](const std::string& Version) {
+    return Lines{"a.ini=; release\r\n[Build]\r\nVersion=" + Version + "\r\nOther=x\r\n"};
+  };
+  // clang-format off
   ExpectCases(
       {
           {Write + At + "NewValue: '%VER%'", Ini, {Head + "1.4.2"}, "success", With("1.4.2")},
@@ -102,6 +108,7 @@ TEST(IniEndToEnd, WriteRules) {
            {"Unable to Write to Ini File : ./missing/a.ini", "Unable to write to ./missing/a.ini"}, "failure", {}},
       },
       kVars);
+  // clang-format on
 }
 
 TEST(IniEndToEnd, WrittenValuesReadBackTypedAndValidateNamesMissingSettings) {
@@ -117,7 +124,8 @@ TEST(IniEndToEnd, WrittenValuesReadBackTypedAndValidateNamesMissingSettings) {
   R = RunZt(Dir.Path(), R"(actions:
   - {action: Read Ini File, IniFile: ./a.ini}
   - action: Write Ini File
-)", {}, "validate");
+)",
+            {}, "validate");
   EXPECT_EQ(R.ExitCode, 1) << R.Stderr;
   EXPECT_EQ(R.Stdout,
             "1 Read Ini File: Section: The section has not been set\n"

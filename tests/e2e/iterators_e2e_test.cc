@@ -1,11 +1,11 @@
 // The five loop actions through zt: the lines each logs, the passes it
 // makes and the values its variables take, and bad input (missing files,
 // file sets and variables) ending in the logged failure, never a crash.
+#include <gtest/gtest.h>
+
 #include <algorithm>
 #include <string>
 #include <vector>
-
-#include <gtest/gtest.h>
 
 #include "ZtRunner.h"
 #include "support/Files.h"
@@ -27,7 +27,8 @@ Lines SortedValues(const ZtResult& R, const std::string& Id) {
 
 TEST(FileIteratorE2E, FindsFilesDepthFirstWithTheChosenNames) {
   TempDir D;
-  MakeTree(D.Path(), {"src/a.txt", "src/b.log", "src/.h.txt", "src/\"q.txt\"", "src/sub/c.txt", "src/dir.txt/"});
+  MakeTree(D.Path(),
+           {"src/a.txt", "src/b.log", "src/.h.txt", "src/\"q.txt\"", "src/sub/c.txt", "src/dir.txt/"});
   // Recurse and IncludeFilePath are coupled: the later write wins.
   ZtResult R = RunZt(D.Path(), R"(actions:
   - {action: File Iterator, VariableName: F, FileSpec: src/*.txt, Recurse: true,
@@ -41,9 +42,11 @@ TEST(FileIteratorE2E, FindsFilesDepthFirstWithTheChosenNames) {
   - {action: File Iterator, UseFileSet: true, FileSetName: Nope}
 )");
   EXPECT_EQ(R.ExitCode, 1) << R.Stderr;
-  EXPECT_EQ(Messages(R, "1"), (Lines{"Searching for Files...", "Found 2 Files.", "src/a.txt\r\nsrc/sub/c.txt\r\n"}));
+  EXPECT_EQ(Messages(R, "1"),
+            (Lines{"Searching for Files...", "Found 2 Files.", "src/a.txt\r\nsrc/sub/c.txt\r\n"}));
   EXPECT_EQ(Passes(R, "1"), (Lines{"1/2=src/a.txt", "2/2=src/sub/c.txt"}));
-  EXPECT_EQ(Messages(R, "1.1"), (Lines{"Found a match for the File Spec", "Found a match for the File Spec"}));
+  EXPECT_EQ(Messages(R, "1.1"),
+            (Lines{"Found a match for the File Spec", "Found a match for the File Spec"}));
   EXPECT_EQ(FinalValue(R, "F"), "src/sub/c.txt");
   EXPECT_EQ(SortedValues(R, "2"), (Lines{"a.txt", "q.txt"}));  // one pair of quotes removed
   EXPECT_EQ(SortedValues(R, "3"), (Lines{"src/\"q.txt\"", "src/.h.txt", "src/a.txt"}));
@@ -68,14 +71,15 @@ actions:
 )");
   EXPECT_EQ(R.ExitCode, 0) << R.Stdout << R.Stderr;
   const std::string S = D / "src/", Refresh = "File set \"Src\": 3 files";
-  EXPECT_EQ(Messages(R, "1"),
-            (Lines{"Retrieving fileset...", "Refreshing fileset...", Refresh,
-                   "File Set contents (3 files) :", S + "a.cpp\r\n" + S + "b.cpp\r\n" + S + "c.cpp\r\n",
-                   // after pass 1: b.cpp deleted, z.cpp made
-                   "Refreshing fileset...", Refresh, "1 file(s) no longer appear in the fileset.",
-                   "1 new file(s) found in the fileset.", "Refreshing fileset...", Refresh, "Refreshing fileset...",
-                   Refresh, "Final file list which was iterated (after all intermediate updates):",
-                   S + "a.cpp\r\n" + S + "c.cpp\r\n" + S + "z.cpp\r\n", "(3 files.)"}));
+  EXPECT_EQ(
+      Messages(R, "1"),
+      (Lines{"Retrieving fileset...", "Refreshing fileset...", Refresh,
+             "File Set contents (3 files) :", S + "a.cpp\r\n" + S + "b.cpp\r\n" + S + "c.cpp\r\n",
+             // after pass 1: b.cpp deleted, z.cpp made
+             "Refreshing fileset...", Refresh, "1 file(s) no longer appear in the fileset.",
+             "1 new file(s) found in the fileset.", "Refreshing fileset...", Refresh, "Refreshing fileset...",
+             Refresh, "Final file list which was iterated (after all intermediate updates):",
+             S + "a.cpp\r\n" + S + "c.cpp\r\n" + S + "z.cpp\r\n", "(3 files.)"}));
   EXPECT_EQ(Passes(R, "1"), (Lines{"1/3=" + S + "a.cpp", "2/3=" + S + "c.cpp", "3/3=" + S + "z.cpp"}));
 }
 
@@ -90,7 +94,8 @@ TEST(FolderIteratorE2E, ListsSubFoldersPreOrderWithTheChosenNames) {
 )",
                      {"--var", "NONE="});
   EXPECT_EQ(R.ExitCode, 1) << R.Stderr;
-  EXPECT_EQ(Messages(R, "1"), (Lines{"Searching for Folders...", "Found 2 Folders", "root/a\r\nroot/a/x\r\n"}));
+  EXPECT_EQ(Messages(R, "1"),
+            (Lines{"Searching for Folders...", "Found 2 Folders", "root/a\r\nroot/a/x\r\n"}));
   EXPECT_EQ(Passes(R, "1"), (Lines{"1/2=root/a", "2/2=root/a/x"}));
   EXPECT_EQ(FinalValue(R, "DIR"), "root/a/x");
   EXPECT_EQ(SortedValues(R, "2"), (Lines{".h", "a"}));
@@ -117,7 +122,8 @@ TEST(FileContentsIteratorE2E, MakesOnePassPerLineKeepingBlanksAndQuotes) {
 
 TEST(IniFileIteratorE2E, SetsSectionOrKeyVariablesOnEveryPass) {
   TempDir D;
-  MakeTree(D.Path(), {"app.ini=[Build]\r\nVersion=1.2\r\nHost=a=b\r\n[Empty]\r\n[Deploy]\r\nx=1\r\n", "seen.ini="});
+  MakeTree(D.Path(),
+           {"app.ini=[Build]\r\nVersion=1.2\r\nHost=a=b\r\n[Empty]\r\n[Deploy]\r\nx=1\r\n", "seen.ini="});
   ZtResult R = RunZt(D.Path(), R"(actions:
   - {action: Ini File Iterator, IniFilename: app.ini, SectionsVar: S,
      actions: [{action: Write Ini File, IniFile: ./seen.ini, Section: Sections, ValueName: "%S%", NewValue: "1"}]}
@@ -154,14 +160,18 @@ actions:
   EXPECT_EQ(R.ExitCode, 1);
   EXPECT_EQ(Messages(R, "1"), (Lines{"Setting items...", "Found 2 Items"}));
   EXPECT_EQ(FinalValue(R, "I"), "b");
-  const Lines Expected[] = {{"1/2=a", "2/2=b"},          {"1/3=a", "2/3=", "3/3=b"},
-                            {"1/3=a", "2/3=b", "3/3=c"}, {"1/4=a", "2/4=b", "3/4=", "4/4=c"},
-                            {"1/1=x\r\ny"},              {"1/2=p", "2/2=p2"}};
+  const Lines Expected[] = {{"1/2=a", "2/2=b"},
+                            {"1/3=a", "2/3=", "3/3=b"},
+                            {"1/3=a", "2/3=b", "3/3=c"},
+                            {"1/4=a", "2/4=b", "3/4=", "4/4=c"},
+                            {"1/1=x\r\ny"},
+                            {"1/2=p", "2/2=p2"}};
   for (int I = 0; I < 6; ++I) EXPECT_EQ(Passes(R, std::to_string(I + 1)), Expected[I]) << I + 1;
   EXPECT_EQ(Messages(R, "7"), (Lines{"Setting items...", "Found 0 Items"}));
   EXPECT_EQ(ActionResult(R, "7"), "success");
-  EXPECT_EQ(Messages(R, "8"), (Lines{"Setting items...", "Cannot expand Item List: variable \"NOPE\" is not defined",
-                                     "Error while searching for items : Failed to expand list of items."}));
+  EXPECT_EQ(Messages(R, "8"),
+            (Lines{"Setting items...", "Cannot expand Item List: variable \"NOPE\" is not defined",
+                   "Error while searching for items : Failed to expand list of items."}));
   EXPECT_EQ(ActionResult(R, "8"), "failure");
 }
 

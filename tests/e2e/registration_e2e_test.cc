@@ -2,14 +2,14 @@
 // --designer` and `zt help` of every type, compared with the recorded output
 // in golden/palette.txt. A change there is a change users see: check the
 // difference, then record it with ZT_UPDATE_GOLDEN=1 (see tests/README.md).
+#include <gtest/gtest.h>
+
 #include <algorithm>
 #include <cstdlib>
 #include <regex>
 #include <sstream>
 #include <string>
 #include <vector>
-
-#include <gtest/gtest.h>
 
 #include "ZtRunner.h"
 #include "support/Files.h"
@@ -25,7 +25,8 @@ TEST(RegistrationEndToEnd, PaletteAndHelpOfEveryTypeAreAsRecorded) {
   for (std::string Line; std::getline(Palette, Line);) {
     // The display name is the second column; columns are apart by two or more blanks.
     const std::size_t Start = Line.find_first_not_of(' ', Line.find("  "));
-    Output += "\n" + RunZtArgs(Dir.Path(), {"help", Line.substr(Start, Line.find("  ", Start) - Start)}).Stdout;
+    Output +=
+        "\n" + RunZtArgs(Dir.Path(), {"help", Line.substr(Start, Line.find("  ", Start) - Start)}).Stdout;
   }
   // A default of "now" (Touch File(s)) differs from run to run.
   const std::regex Now(R"(\d{4}-\d\d-\d\dT\d\d:\d\d:\d\d|\d\d/\d\d/\d{4} \d\d:\d\d:\d\d)");

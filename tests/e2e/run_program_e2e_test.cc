@@ -1,6 +1,7 @@
 // "Execute Program" and "Run DOS Command" through zt: exit codes and their
 // lines, the output in the log, time-outs and Ctrl+C (nothing zt waits for
 // survives), programs that cannot start, and the parameter text as arguments.
+#include <gtest/gtest.h>
 #include <signal.h>
 
 #include <algorithm>
@@ -9,8 +10,6 @@
 #include <string>
 #include <thread>
 #include <vector>
-
-#include <gtest/gtest.h>
 
 #include "ZtRunner.h"
 #include "support/Files.h"
@@ -24,7 +23,9 @@ using Lines = std::vector<std::string>;
 using Clock = std::chrono::steady_clock;
 
 // A killed process is gone a moment after the signal, not at once.
-bool Ended(pid_t Pid) { return Pid > 0 && WaitUntil([Pid] { return !ProcessRunning(Pid); }, 2); }
+bool Ended(pid_t Pid) {
+  return Pid > 0 && WaitUntil([Pid] { return !ProcessRunning(Pid); }, 2);
+}
 
 double SecondsSince(Clock::time_point T) { return std::chrono::duration<double>(Clock::now() - T).count(); }
 
@@ -37,6 +38,7 @@ int StatusEvents(const ZtResult& R, const std::string& Id) {
 TEST(RunProgramEndToEnd, TheExitCodeDecidesTheResultAndWhatIsLogged) {
   const std::string Dos = "action: Run DOS Command, Command: ";
   auto Code = [](int C) { return Lines{"Program returned code  : " + std::to_string(C)}; };
+  // clang-format off
   ExpectCases({
       {Dos + "exit 0", {}, {}, "success", {}},
       {Dos + "exit 1", {}, Code(1), "failure", {}},
@@ -49,6 +51,7 @@ TEST(RunProgramEndToEnd, TheExitCodeDecidesTheResultAndWhatIsLogged) {
       {Dos + "kill -TERM $$", {}, Code(143), "failure", {}},
       {Dos + "exit 0, LogOutput: false", {}, {}, "success", {}},  // an old project's LogOutput changes nothing
   });
+  // clang-format on
 }
 
 TEST(RunProgramEndToEnd, OutputReachesTheLogAsLinesWithoutLoss) {
@@ -74,9 +77,11 @@ TEST(RunProgramEndToEnd, OutputReachesTheLogAsLinesWithoutLoss) {
   EXPECT_NE(R.Stdout.find("straight to the console\n"), std::string::npos);
   // A long line arrives whole; bytes that are not UTF-8 become U+FFFD in the JSON log.
   EXPECT_EQ(StatusDetails(R, "6"), (Lines{std::string(300000, 'x') + "caf\xEF\xBF\xBD"}));
-  EXPECT_EQ(StatusDetails(R, "7"), (Lines{"eight+ \"quoted\" \\back\\slash", "12345678\"", "tab\\t\tabcdefgh\\"}));
+  EXPECT_EQ(StatusDetails(R, "7"),
+            (Lines{"eight+ \"quoted\" \\back\\slash", "12345678\"", "tab\\t\tabcdefgh\\"}));
   // Output not captured stays out of a JSON log on standard output.
-  WriteText(D / "project.yml", "actions:\n  - {action: Run DOS Command, Command: echo free, CaptureOutput: false}\n");
+  WriteText(D / "project.yml",
+            "actions:\n  - {action: Run DOS Command, Command: echo free, CaptureOutput: false}\n");
   R = RunZtArgs(D.Path(), {"run", "project.yml", "--log-json", "-"});
   EXPECT_NE(R.Stderr.find("free\n"), std::string::npos);
   std::istringstream Json(R.Stdout);
@@ -157,11 +162,13 @@ TEST(RunProgramEndToEnd, ThePipesClosingIsNotTheProgramEndingNorIsTheProgramEndi
   EXPECT_EQ(StatusDetails(R, "2"), (Lines{"bye"}));
   EXPECT_EQ(ActionResult(R, "2"), "success");
   EXPECT_LT(SecondsSince(Start), 15);
-  if (const pid_t Holder = ReadPid(D / "holder.pid"); Holder > 0) kill(Holder, SIGKILL);  // 0 would be our own group
+  if (const pid_t Holder = ReadPid(D / "holder.pid"); Holder > 0)
+    kill(Holder, SIGKILL);  // 0 would be our own group
   // Not waited for: the program runs on by itself after zt has ended.
-  EXPECT_EQ(Messages(R, "3"),
-            (Lines{"WARNING: To Capture Output you must enable Wait For Completion. No output will be captured.",
-                   "Program started."}));
+  EXPECT_EQ(
+      Messages(R, "3"),
+      (Lines{"WARNING: To Capture Output you must enable Wait For Completion. No output will be captured.",
+             "Program started."}));
   WriteText(D / "go");
   EXPECT_TRUE(WaitUntil([&] { return Exists(D / "ran.txt"); }));
 }
@@ -189,13 +196,17 @@ actions:
                                      "Cannot start ./missing: The system cannot find the file specified"}));
   EXPECT_EQ(HostLines(R, "2"), (Lines{"Cannot start ./plain.txt: Access is denied"}));
   EXPECT_EQ(HostLines(R, "3"), (Lines{"Cannot start /bin/true in nowhere: The directory name is invalid"}));
-  EXPECT_EQ(HostLines(R, "4"), (Lines{"Cannot start /bin/sh in nowhere/deeper: The directory name is invalid"}));
+  EXPECT_EQ(HostLines(R, "4"),
+            (Lines{"Cannot start /bin/sh in nowhere/deeper: The directory name is invalid"}));
   // A quote at the start only is part of the name.
-  EXPECT_EQ(HostLines(R, "5"), (Lines{"Cannot start \"/bin/true: The system cannot find the file specified"}));
-  EXPECT_EQ(Said(R, "6"), (Lines{"Unable to Execute Program  : ", "--> Variable \"UNDEFINED\" is not defined"}));
+  EXPECT_EQ(HostLines(R, "5"),
+            (Lines{"Cannot start \"/bin/true: The system cannot find the file specified"}));
+  EXPECT_EQ(Said(R, "6"),
+            (Lines{"Unable to Execute Program  : ", "--> Variable \"UNDEFINED\" is not defined"}));
   for (const char* Id : {"1", "2", "3", "4", "5", "6"}) EXPECT_EQ(ActionResult(R, Id), "ignored") << Id;
-  EXPECT_EQ(Said(R, "7"), (Lines{"Executing : ./my tool", "With Command Line : \"a b\" c\\ d '$HOME' \"e\\\"f\" *",
-                                 "[a b][c d][$HOME][e\"f][*]"}));
+  EXPECT_EQ(Said(R, "7"),
+            (Lines{"Executing : ./my tool", "With Command Line : \"a b\" c\\ d '$HOME' \"e\\\"f\" *",
+                   "[a b][c d][$HOME][e\"f][*]"}));
   // A lone .bat name is quoted for the interpreter; another name is not: the shell looks for "./my".
   EXPECT_EQ(Said(R, "8"), Lines{"ran"});
   EXPECT_EQ(Messages(R, "9"), Lines{"Program returned code  : 127"});

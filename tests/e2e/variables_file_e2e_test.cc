@@ -78,6 +78,7 @@ TEST(VariablesFileE2E, LoadFailsByItsFlagsInTheirOrder) {
     std::string Settings;
     Lines Said;
     std::string Result;
+    // clang-format off
   } Cases[] = {
       // A missing key or an undefined variable fails by default.
       {"Variables: [A, C, B], VariableTypes: [INTEGER, STRING, INTEGER]", {"Variable not found in INI: C"}, "ignored"},
@@ -99,11 +100,12 @@ TEST(VariablesFileE2E, LoadFailsByItsFlagsInTheirOrder) {
       {"Variables: [A], INIFile: nosection.ini, FailIfVariableNotInIniFile: false",
        {"Variable not found in INI: A", "Variables loaded from nosection.ini"}, "success"},
   };
+  // clang-format on
   std::string Yaml = "variables: {A: 0, B: 0, C: c}\nactions:\n";
   for (const auto& C : Cases)
     Yaml += "  - {action: Load Variables from INI, " +
-            std::string(C.Settings.find("INIFile") == std::string::npos ? "INIFile: v.ini, " : "") + C.Settings +
-            (C.Result == "ignored" ? ", ignoreFailure: true}\n" : "}\n");
+            std::string(C.Settings.find("INIFile") == std::string::npos ? "INIFile: v.ini, " : "") +
+            C.Settings + (C.Result == "ignored" ? ", ignoreFailure: true}\n" : "}\n");
   ZtResult R = RunZt(D.Path(), Yaml);
   EXPECT_EQ(R.ExitCode, 0) << R.Stderr;
   for (std::size_t I = 0; I < std::size(Cases); ++I) {

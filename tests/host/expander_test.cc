@@ -22,6 +22,7 @@ class ExpanderTest : public ::testing::Test {
 };
 
 TEST_F(ExpanderTest, EachRuleGivesItsText) {
+  // clang-format off
   const std::pair<std::string, std::string> Cases[] = {
       {"%OUT%/readme.txt", "build/out/readme.txt"},
       {"n=%Count% on=%On%", "n=3 on=True"},  // typed values as text
@@ -40,6 +41,7 @@ TEST_F(ExpanderTest, EachRuleGivesItsText) {
       {"%a b% %OUT%", "%a b% build/out"},
       {"%/%", "%/%"},
   };
+  // clang-format on
   for (const auto& [Text, Expected] : Cases) EXPECT_EQ(Expand(Text), Expected) << Text;
   try {
     Expand("x %MISSING_ONE% y");
@@ -87,6 +89,7 @@ TEST_F(ExpanderTest, CountingExpansionCountsTheTextsOwnReferences) {
     bool FailOnUnknown;
     std::string Expected;
     int Replaced;
+    // clang-format off
   } Cases[] = {
       {"no references", true, "no references", 0},
       {"%OUT% and %out% 100%% $$(x)", true, "build/out and build/out 100% $(x)", 2},
@@ -94,6 +97,7 @@ TEST_F(ExpanderTest, CountingExpansionCountsTheTextsOwnReferences) {
       {"a %NOPE% b %Count%", false, "a %NOPE% b 3", 1},
       {"%Cyc%-%NOPE%", false, "x-%NOPE2%-%NOPE%", 1},
   };
+  // clang-format on
   for (const Case& C : Cases) {
     int Replaced = -1;
     EXPECT_EQ(E.ExpandCounting(C.Text, Vars, C.FailOnUnknown, Replaced), C.Expected) << C.Text;

@@ -3,10 +3,10 @@
 // log lines, and look-up by name.
 #include "host/project/file_set.h"
 
+#include <gtest/gtest.h>
+
 #include <filesystem>
 #include <fstream>
-
-#include <gtest/gtest.h>
 
 #include "support/TempDir.h"
 #include "test_action.h"
@@ -23,6 +23,7 @@ TEST(GlobTest, MatchesAsTheRulesSay) {
     const char* Pattern;
     std::string Path;
     bool Matches;
+    // clang-format off
   } Cases[] = {
       // * and ? stay within one component; ? is one character.
       {"*.cpp", "main.cpp", true},         {"*.cpp", ".cpp", true},          {"*.cpp", "src/main.cpp", false},
@@ -40,7 +41,9 @@ TEST(GlobTest, MatchesAsTheRulesSay) {
       {"*a*a*a*a*a*a*a*a*b", std::string(2000, 'a'), false},
       {"**/**/**/**/**/**/b", "a/a/a/a/a/a/a/a/a/a/a/a/a/a/a/a/a/a/a/a/c", false},
   };
-  for (const auto& C : Cases) EXPECT_EQ(Glob(C.Pattern).Matches(C.Path), C.Matches) << C.Pattern << " " << C.Path;
+  // clang-format on
+  for (const auto& C : Cases)
+    EXPECT_EQ(Glob(C.Pattern).Matches(C.Path), C.Matches) << C.Pattern << " " << C.Path;
   // Whether a directory is excluded as a whole.
   EXPECT_TRUE(Glob("**/generated/**").MatchesEverythingBelow("a/generated"));
   EXPECT_TRUE(Glob("**/generated/**").MatchesEverythingBelow("generated"));
@@ -78,7 +81,8 @@ TEST_F(FileSetTest, IncludesAndExcludesGiveSortedFullPaths) {
   EXPECT_EQ(S.GetFile(1), B + "a.h");
   EXPECT_EQ(S.GetFile(4), "");
   EXPECT_EQ(S.GetFile(-1), "");
-  EXPECT_EQ(S.GetFilesText("\r\n"), B + "a-b/c.cpp\r\n" + B + "a.h\r\n" + B + "b.cpp\r\n" + B + "sub/z.cpp\r\n");
+  EXPECT_EQ(S.GetFilesText("\r\n"),
+            B + "a-b/c.cpp\r\n" + B + "a.h\r\n" + B + "b.cpp\r\n" + B + "sub/z.cpp\r\n");
 }
 
 TEST_F(FileSetTest, PatternWithoutDoubleStarStaysAtItsDepth) {
@@ -111,14 +115,16 @@ TEST_F(FileSetTest, LinksToFilesCountButLinksToDirectoriesAreNotEntered) {
 
 TEST_F(FileSetTest, MissingBaseGivesNoFilesAndRefreshSaysWhy) {
   Lines Logged;
-  FileSet S(Def("nowhere", {"**"}), Dir.Path(),
-            [&](frame::TZTAction& A, const std::string& Line) { Logged.push_back(A.GetTitle() + ": " + Line); });
+  FileSet S(Def("nowhere", {"**"}), Dir.Path(), [&](frame::TZTAction& A, const std::string& Line) {
+    Logged.push_back(A.GetTitle() + ": " + Line);
+  });
   EXPECT_EQ(S.GetFileCount(), 0);
   EXPECT_EQ(S.GetFilesText("\r\n"), "");
   zt::testing::TTestAction Context;
   Context.SetTitle("Iterate");
   S.Refresh(Context);
-  EXPECT_EQ(Logged, (Lines{"Iterate: File set \"Sources\": the base directory " + (Dir / "nowhere") + " does not exist",
+  EXPECT_EQ(Logged, (Lines{"Iterate: File set \"Sources\": the base directory " + (Dir / "nowhere") +
+                               " does not exist",
                            "Iterate: File set \"Sources\": 0 files"}));
 }
 

@@ -1,11 +1,11 @@
 #include "host/run/runner.h"
 
+#include <gtest/gtest.h>
+
 #include <chrono>
+#include <nlohmann/json.hpp>
 #include <sstream>
 #include <thread>
-
-#include <gtest/gtest.h>
-#include <nlohmann/json.hpp>
 
 #include "RunnerTest.h"
 #include "host/log/json_log.h"

@@ -2,10 +2,10 @@
 // definition, MD5 against the RFC 1321 suite and digests from coreutils,
 // files read in blocks of every size, reads that return less than asked.
 // (The actions' lines and results are checked through zt.)
+#include <gtest/gtest.h>
+
 #include <atomic>
 #include <random>
-
-#include <gtest/gtest.h>
 
 #include "checksums/Crc32Engine.h"
 #include "checksums/Hashalgmd5.h"
@@ -54,7 +54,8 @@ TEST(CRC32Engine, EveryPathMatchesTheDefinition) {
   if (HasCRC32WideClmul()) Paths.push_back({"wide clmul", &UpdateCRC32WideClmul});
   for (auto& [Name, Fn] : Paths) EXPECT_EQ(Fn(0xFFFFFFFF, "123456789", 9) ^ 0xFFFFFFFF, 0xCBF43926u) << Name;
   const std::string Data = RandomBytes(70000, 7);
-  EXPECT_EQ(UpdateCRC32Bytewise(0xFFFFFFFF, Data.data(), 4099) ^ 0xFFFFFFFF, PlainCRC32(Data.substr(0, 4099)));
+  EXPECT_EQ(UpdateCRC32Bytewise(0xFFFFFFFF, Data.data(), 4099) ^ 0xFFFFFFFF,
+            PlainCRC32(Data.substr(0, 4099)));
   std::mt19937 Gen(11);
   std::vector<std::size_t> Lengths;
   for (std::size_t L = 0; L <= 600; ++L) Lengths.push_back(L);
@@ -64,12 +65,14 @@ TEST(CRC32Engine, EveryPathMatchesTheDefinition) {
     const std::uint32_t Start = Gen();
     const std::uint32_t Expected = UpdateCRC32Bytewise(Start, Data.data() + Offset, Len);
     for (auto& [Name, Fn] : Paths)
-      ASSERT_EQ(Fn(Start, Data.data() + Offset, Len), Expected) << Name << " length " << Len << " offset " << Offset;
+      ASSERT_EQ(Fn(Start, Data.data() + Offset, Len), Expected)
+          << Name << " length " << Len << " offset " << Offset;
   }
   // Splitting the input anywhere gives the same value.
   for (std::size_t Cut : {1, 15, 16, 63, 64, 255, 256, 2500}) {
     std::uint32_t Crc = UpdateCRC32(0xFFFFFFFF, Data.data(), Cut);
-    EXPECT_EQ(UpdateCRC32(Crc, Data.data() + Cut, 5000 - Cut), UpdateCRC32(0xFFFFFFFF, Data.data(), 5000)) << Cut;
+    EXPECT_EQ(UpdateCRC32(Crc, Data.data() + Cut, 5000 - Cut), UpdateCRC32(0xFFFFFFFF, Data.data(), 5000))
+        << Cut;
   }
 }
 
@@ -122,8 +125,8 @@ TEST(ChecksumFiles, WholeFilesOfEverySizeAroundTheReadBlocks) {
   ShortReadEnv Short;
   for (bool ShortReads : {false, true}) {
     platform::ScopedEnv Use(ShortReads ? static_cast<platform::Env*>(&Short) : platform::Env::Platform());
-    for (std::size_t Size : {0, 1, 255, 256, 257, 1023, 1024, 1025, 65535, 65536, 65537, 1048576 + 65536,
-                             3 * 1048576 + 12345}) {
+    for (std::size_t Size :
+         {0, 1, 255, 256, 257, 1023, 1024, 1025, 65535, 65536, 65537, 1048576 + 65536, 3 * 1048576 + 12345}) {
       const std::string Data = RandomBytes(Size, static_cast<std::uint32_t>(Size) + 1), Path = Dir / "f";
       testing::WriteText(Path, Data);
       char Hex[16];
@@ -187,8 +190,9 @@ TEST(ChecksumFiles, AnExceptionDuringTheMD5RunIsReportedInTwoLines) {
   A.SetFileName(Dir / "abc.txt");
   A.SetZTVariable("Digest");
   EXPECT_FALSE(A.Execute());
-  EXPECT_EQ(Host.Messages, (std::vector<std::string>{"MD5 for abc.txt is 900150983CD24FB0D6963F7D28E17F72",
-                                                     "Couldn't compute MD5:", "variable store is read-only"}));
+  EXPECT_EQ(Host.Messages,
+            (std::vector<std::string>{"MD5 for abc.txt is 900150983CD24FB0D6963F7D28E17F72",
+                                      "Couldn't compute MD5:", "variable store is read-only"}));
 }
 
 }  // namespace

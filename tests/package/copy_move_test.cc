@@ -1,11 +1,11 @@
 // "Copy File(s)" and "Move File(s)" where zt cannot place a test: progress
 // in mid-file, a stop from another thread, and disks that fail, through the
 // platform's replaceable Env. Everything else is checked through zt.
+#include <gtest/gtest.h>
+
 #include <functional>
 #include <numeric>
 #include <thread>
-
-#include <gtest/gtest.h>
 
 #include "files/Ztcopymove.h"
 #include "platform/env.h"
@@ -25,7 +25,8 @@ using Lines = std::vector<std::string>;
 class ChunkedEnv : public pf::EnvWrapper {
  public:
   explicit ChunkedEnv(std::int64_t ChunkBytes) : EnvWrapper(pf::Env::Platform()), ChunkBytes_(ChunkBytes) {}
-  pf::DWORD CopyChunk(pf::THandle From, pf::THandle To, std::int64_t MaxBytes, std::int64_t& Copied) override {
+  pf::DWORD CopyChunk(pf::THandle From, pf::THandle To, std::int64_t MaxBytes,
+                      std::int64_t& Copied) override {
     if (OnChunk) OnChunk(++Chunks);
     return Target()->CopyChunk(From, To, std::min(MaxBytes, ChunkBytes_), Copied);
   }
@@ -56,11 +57,13 @@ TEST(CopyProgress, PercentIsRoundedHalfToEvenAndSentOnlyWhenItChanges) {
   const struct {
     std::size_t Size, Chunk;
     std::vector<int> Percents;
+    // clang-format off
   } Cases[] = {
       {8, 1, {0, 12, 25, 38, 50, 62, 75, 88, 100}},  // 12.5 -> 12, 37.5 -> 38
       {1000, 3, EveryPercent},                       // 334 chunks
       {0, 1, {0}},
   };
+  // clang-format on
   for (const auto& C : Cases) {
     ActionRun<package::TCopyFilesAction> Copy;
     WriteText(Copy.Dir / "f.bin", std::string(C.Size, 'x'));
@@ -80,14 +83,16 @@ TEST(CopyProgress, PercentIsRoundedHalfToEvenAndSentOnlyWhenItChanges) {
 TEST(CopyStop, NoFileIsLeftHalfCopiedAndTheCountLineSaysWhoStopped) {
   const struct {
     bool HostStops;
-    int AtChunk;       // 0: before the copy starts
-    Lines Files;       // in src/, copied in directory order
-    Lines Log, Out;    // after the header line; what out/ holds
+    int AtChunk;     // 0: before the copy starts
+    Lines Files;     // in src/, copied in directory order
+    Lines Log, Out;  // after the header line; what out/ holds
+    // clang-format off
   } Cases[] = {
       {false, 20, {"big.bin"}, {"Terminating..."}, {}},
       {true, 20, {"big.bin"}, {"Terminating...", "0 Files Copied."}, {}},
       {true, 0, {"a.txt"}, {"Stopping...", "0 Files Copied."}, {}},
   };
+  // clang-format on
   for (const auto& C : Cases) {
     ActionRun<package::TCopyFilesAction> Copy;
     for (const auto& F : C.Files) WriteText(Copy.Dir / ("src/" + F), std::string(4 << 20, 'z'));
@@ -116,8 +121,8 @@ TEST(CopyStop, NoFileIsLeftHalfCopiedAndTheCountLineSaysWhoStopped) {
 class TerminateAfterFirstCopy : public pf::EnvWrapper {
  public:
   explicit TerminateAfterFirstCopy(package::TCopyFilesAction& A) : EnvWrapper(pf::Env::Platform()), A_(A) {}
-  bool CopyFileExA(const std::string& From, const std::string& To, pf::LPPROGRESS_ROUTINE Progress, void* Data,
-                   pf::BOOL* Cancel, pf::DWORD Flags) override {
+  bool CopyFileExA(const std::string& From, const std::string& To, pf::LPPROGRESS_ROUTINE Progress,
+                   void* Data, pf::BOOL* Cancel, pf::DWORD Flags) override {
     const bool Ok = Target()->CopyFileExA(From, To, Progress, Data, Cancel, Flags);
     if (Copies++ == 0) std::thread([this] { A_.TerminateAction(); }).join();
     return Ok;
@@ -135,8 +140,9 @@ TEST(CopyStop, TerminateBetweenFilesKeepsTheFilesCopiedBefore) {
   TerminateAfterFirstCopy Env(Copy.Action);
   pf::ScopedEnv Use(&Env);
   EXPECT_FALSE(Copy("src/*.txt", "out"));
-  EXPECT_EQ(Copy.Host.AllDetails(),
-            (Lines{"Copying files : " + (Copy.Dir / "src/*.txt") + " -> " + (Copy.Dir / "out"), "Stopping..."}));
+  EXPECT_EQ(
+      Copy.Host.AllDetails(),
+      (Lines{"Copying files : " + (Copy.Dir / "src/*.txt") + " -> " + (Copy.Dir / "out"), "Stopping..."}));
   EXPECT_EQ(Env.Copies, 1);
   EXPECT_EQ(ListNames(Copy.Dir / "out").size(), 2u);
   // A terminate before the next run is forgotten.
@@ -174,6 +180,7 @@ TEST(MoveFaults, AFailedMoveIsLoggedAndLeavesBothFilesAsTheyWere) {
     bool StopOnAnyErrors, Result;
     std::string Why;
     Lines After;
+    // clang-format off
   } Cases[] = {
       {"vanish", true, false, "Source File Does not exist", {"out/a.txt=old", "src/"}},
       {"vanish", false, true, "The system cannot find the file specified", {"out/a.txt=old", "src/"}},
@@ -183,10 +190,12 @@ TEST(MoveFaults, AFailedMoveIsLoggedAndLeavesBothFilesAsTheyWere) {
       {"disk full", false, true, "There is not enough space on the disk",
        {"out/a.txt=old [ro] [0x20]", "src/a.txt=new"}},
   };
+  // clang-format on
   for (const auto& C : Cases) {
     SCOPED_TRACE(C.Fault);
     ActionRun<package::TMoveFilesAction> Move;
-    MakeTree(Move.Dir.Path(), {"src/a.txt=new", C.Fault == "disk full" ? "out/a.txt=old [ro] [0x20]" : "out/a.txt=old"});
+    MakeTree(Move.Dir.Path(),
+             {"src/a.txt=new", C.Fault == "disk full" ? "out/a.txt=old [ro] [0x20]" : "out/a.txt=old"});
     MeddlingEnv Env;
     if (C.Fault == "vanish") Env.VanishAfterFind = Move.Dir / "src/a.txt";
     if (C.Fault == "set aside") Env.RefuseSetAside = Move.Dir / "out/a.txt";

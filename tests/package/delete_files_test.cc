@@ -44,10 +44,11 @@ TEST(DeleteFaults, AFileThatStaysStopsTheRunUnlessNoErrorWasGiven) {
     pf::ScopedEnv Use(&Env);
     EXPECT_EQ(A.Execute(), !KeepFile);
     const Lines Expected =
-        KeepFile ? Lines{"Deleting files : " + (Dir / "b.txt"), " --> Error Deleting File : " + (Dir / "b.txt"),
-                         " --> The process cannot access the file because it is being used by another process",
-                         "0 Files Deleted."}
-                 : Lines{"Deleting files : " + (Dir / "*.txt"), "2 Files Deleted."};
+        KeepFile
+            ? Lines{"Deleting files : " + (Dir / "b.txt"), " --> Error Deleting File : " + (Dir / "b.txt"),
+                    " --> The process cannot access the file because it is being used by another process",
+                    "0 Files Deleted."}
+            : Lines{"Deleting files : " + (Dir / "*.txt"), "2 Files Deleted."};
     EXPECT_EQ(Host.AllDetails(), Expected);
     EXPECT_EQ(ListNames(Dir.Path()), KeepFile ? (Lines{"a.txt", "b.txt", "c.txt"}) : Lines{"b.txt"});
   }

@@ -1,12 +1,12 @@
 // "Set File Attributes" and "Touch File(s)" on a file the platform refuses to
 // change, through its replaceable Env (everything a real disk shows is
 // checked through zt).
-#include <algorithm>
-
 #include <gtest/gtest.h>
 
-#include "files/Zttouchfile.h"
+#include <algorithm>
+
 #include "files/Ztfileattrib.h"
+#include "files/Zttouchfile.h"
 #include "platform/env.h"
 #include "platform/errors.h"
 #include "platform/files.h"
@@ -52,8 +52,8 @@ TEST(FileActionFaults, SetFileAttributesStopsAtTheFirstFileItCannotChange) {
   A.SetLogAllFiles(true);
   EXPECT_FALSE(A.Execute());
   EXPECT_EQ(Host.AllDetails(), (Lines{"Processed File : " + (Dir / Order[0]),
-                                      "Error processing File Spec : Error Processing File " + (Dir / Order[1]) +
-                                          " : Access is denied"}));
+                                      "Error processing File Spec : Error Processing File " +
+                                          (Dir / Order[1]) + " : Access is denied"}));
   Lines Expected = {Order[0] + " [ro]", Order[1], Order[2]};
   std::sort(Expected.begin(), Expected.end());
   EXPECT_EQ(Tree(Dir.Path()), Expected);

@@ -15,8 +15,8 @@ namespace {
 
 using zt::testing::MakeTree;
 using zt::testing::ModeOf;
-using zt::testing::Tree;
 using zt::testing::TempDir;
+using zt::testing::Tree;
 using zt::testing::WriteText;
 
 TEST(Attributes, WhatGetFileAttributesSays) {
@@ -26,6 +26,7 @@ TEST(Attributes, WhatGetFileAttributesSays) {
   MakeTree(T.Path(), {"a.txt", "ro [ro] [0x4]", ".env", "sys [0x4]", "to-file -> ro", "dangling -> missing"});
   ASSERT_EQ(symlink(T.Path().c_str(), (T / "to-dir").c_str()), 0);
   constexpr DWORD Link = FILE_ATTRIBUTE_REPARSE_POINT;
+  // clang-format off
   const std::pair<std::string, DWORD> Cases[] = {
       {"a.txt", FILE_ATTRIBUTE_NORMAL},
       {"", FILE_ATTRIBUTE_DIRECTORY},
@@ -38,9 +39,11 @@ TEST(Attributes, WhatGetFileAttributesSays) {
       {"to-dir", FILE_ATTRIBUTE_DIRECTORY | Link},
       {"dangling", Link},
   };
+  // clang-format on
   for (const auto& [Name, Attributes] : Cases) EXPECT_EQ(GetFileAttributesA(T / Name), Attributes) << Name;
-  const std::pair<std::string, DWORD> Missing[] = {
-      {"nope", ERROR_FILE_NOT_FOUND}, {"nodir/nope", ERROR_PATH_NOT_FOUND}, {"a.txt/x", ERROR_PATH_NOT_FOUND}};
+  const std::pair<std::string, DWORD> Missing[] = {{"nope", ERROR_FILE_NOT_FOUND},
+                                                   {"nodir/nope", ERROR_PATH_NOT_FOUND},
+                                                   {"a.txt/x", ERROR_PATH_NOT_FOUND}};
   for (const auto& [Name, Error] : Missing) {
     EXPECT_EQ(GetFileAttributesA(T / Name), INVALID_FILE_ATTRIBUTES) << Name;
     EXPECT_EQ(GetLastError(), Error) << Name;
@@ -51,12 +54,14 @@ TEST(Attributes, WhatGetFileAttributesSays) {
 }
 
 TEST(Attributes, WhatSetFileAttributesLeaves) {
-  const DWORD All = FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM | FILE_ATTRIBUTE_ARCHIVE | FILE_ATTRIBUTE_READONLY;
+  const DWORD All =
+      FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM | FILE_ATTRIBUTE_ARCHIVE | FILE_ATTRIBUTE_READONLY;
   const struct {
     std::string Before;
     DWORD Set;
     std::string After;  // as Tree shows it
     mode_t Mode;
+    // clang-format off
   } Cases[] = {
       // Read-only takes every write bit; clearing it gives the owner's back.
       {"a", FILE_ATTRIBUTE_READONLY, "a [ro]", 0444},
@@ -66,6 +71,7 @@ TEST(Attributes, WhatSetFileAttributesLeaves) {
       {"a [ro] [0x26]", FILE_ATTRIBUTE_NORMAL, "a", 0644},  // normal clears everything the file keeps
       {".env", FILE_ATTRIBUTE_NORMAL, ".env", 0666},         // a leading dot stays hidden
   };
+  // clang-format on
   for (const auto& C : Cases) {
     SCOPED_TRACE(C.Before);
     TempDir T;

@@ -32,6 +32,7 @@ TEST(CopyFile, WhatACopyLeavesAndTheErrorItReports) {
     std::string From, To;
     DWORD Flags, Error;  // Error: ERROR_SUCCESS for a copy that succeeds
     Lines After;
+    // clang-format off
   } Cases[] = {
       // The data and the attributes, plus archive.
       {{"src=hello [ro] [0x4]"}, "src", "dst", 0, ERROR_SUCCESS, {"dst=hello [ro] [0x24]", "src=hello [ro] [0x4]"}},
@@ -52,11 +53,13 @@ TEST(CopyFile, WhatACopyLeavesAndTheErrorItReports) {
       {{"a=data", "link -> missing"}, "a", "link", 0, ERROR_SUCCESS, {"a=data", "link=data [0x20]"}},
       {{"empty="}, "empty", "copy", 0, ERROR_SUCCESS, {"copy= [0x20]", "empty="}},
   };
+  // clang-format on
   for (const auto& C : Cases) {
     SCOPED_TRACE(C.Before.front() + " " + C.From + " -> " + C.To);
     TempDir T;
     MakeTree(T.Path(), C.Before);
-    EXPECT_EQ(CopyFileExA(T / C.From, T / C.To, nullptr, nullptr, nullptr, C.Flags), C.Error == ERROR_SUCCESS);
+    EXPECT_EQ(CopyFileExA(T / C.From, T / C.To, nullptr, nullptr, nullptr, C.Flags),
+              C.Error == ERROR_SUCCESS);
     if (C.Error != ERROR_SUCCESS) {
       EXPECT_EQ(GetLastError(), C.Error);
     }
@@ -74,11 +77,13 @@ TEST(CopyFile, TakesTheSourcesTimeAndPermissionsLessTheUmask) {
   utimensat(AT_FDCWD, (T / "tool").c_str(), Times, 0);
   const mode_t Previous = umask(027);
   for (const auto& [Name, Mode] : Modes)
-    ASSERT_TRUE(CopyFileExA(T / Name, T / (std::string(Name) + ".copy"), nullptr, nullptr, nullptr, 0)) << Name;
+    ASSERT_TRUE(CopyFileExA(T / Name, T / (std::string(Name) + ".copy"), nullptr, nullptr, nullptr, 0))
+        << Name;
   ASSERT_TRUE(CopyFileExA(T / "tool", T / "dst", nullptr, nullptr, nullptr, 0));  // replacing takes them too
   umask(Previous);
-  const std::pair<const char*, mode_t> Copies[] = {{"shared.copy", 0640}, {"private.copy", 0600}, {"tool.copy", 0750},
-                                                   {"frozen.copy", 0440}, {"odd.copy", 0440},     {"dst", 0750}};
+  const std::pair<const char*, mode_t> Copies[] = {{"shared.copy", 0640}, {"private.copy", 0600},
+                                                   {"tool.copy", 0750},   {"frozen.copy", 0440},
+                                                   {"odd.copy", 0440},    {"dst", 0750}};
   for (const auto& [Name, Mode] : Copies) EXPECT_EQ(ModeOf(T / Name), Mode) << Name;
   struct stat St;
   ASSERT_EQ(stat((T / "tool.copy").c_str(), &St), 0);

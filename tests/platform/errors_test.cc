@@ -11,6 +11,7 @@ namespace zt::platform {
 namespace {
 
 TEST(Errors, MessagesAreWindowsTextsWithoutTheFullStop) {
+  // clang-format off
   const std::pair<DWORD, const char*> Texts[] = {
       {0, "The operation completed successfully"},
       {2, "The system cannot find the file specified"},
@@ -30,10 +31,12 @@ TEST(Errors, MessagesAreWindowsTextsWithoutTheFullStop) {
       {1235, "The request was aborted"},
       {0xDEAD, "Unknown error (0xdead)"},
   };
+  // clang-format on
   for (const auto& [Code, Text] : Texts) EXPECT_EQ(SysErrorMessage(Code), Text) << Code;
 }
 
 TEST(Errors, ErrnoMapsAsWineMapsIt) {
+  // clang-format off
   const std::pair<int, DWORD> Map[] = {
       {ENOENT, ERROR_FILE_NOT_FOUND},       {ENOTDIR, ERROR_PATH_NOT_FOUND},   {EACCES, ERROR_ACCESS_DENIED},
       {EPERM, ERROR_ACCESS_DENIED},         {EROFS, ERROR_ACCESS_DENIED},      {EEXIST, ERROR_ALREADY_EXISTS},
@@ -42,6 +45,7 @@ TEST(Errors, ErrnoMapsAsWineMapsIt) {
       {EMFILE, ERROR_TOO_MANY_OPEN_FILES},  {EBADF, ERROR_INVALID_HANDLE},     {ENOMEM, ERROR_NOT_ENOUGH_MEMORY},
       {EAGAIN, ERROR_SHARING_VIOLATION},    {EIO, ERROR_NOT_READY},
   };
+  // clang-format on
   for (const auto& [Errno, Code] : Map) EXPECT_EQ(ErrnoToWindowsError(Errno), Code) << Errno;
 }
 

@@ -22,10 +22,10 @@ using Lines = std::vector<std::string>;
 using zt::testing::Exists;
 using zt::testing::ListNames;
 using zt::testing::MakeTree;
-using zt::testing::Tree;
 using zt::testing::ModeOf;
 using zt::testing::ReadText;
 using zt::testing::TempDir;
+using zt::testing::Tree;
 using zt::testing::WriteText;
 
 enum Op { kDelete, kCreateDirectory, kForceDirectories, kRemoveDirectory, kWriteAtomically };
@@ -38,6 +38,7 @@ TEST(Files, WhatEachCallLeavesAndTheErrorItReports) {
     std::string Path;
     DWORD Error;  // ERROR_SUCCESS for a call that succeeds
     Lines After;
+    // clang-format off
   } Cases[] = {
       // Read-only refuses a delete even for root; hidden and system do not.
       {{"a [ro]"}, kDelete, "a", ERROR_ACCESS_DENIED, {"a [ro]"}},
@@ -63,6 +64,7 @@ TEST(Files, WhatEachCallLeavesAndTheErrorItReports) {
       {{}, kWriteAtomically, "fresh", ERROR_SUCCESS, {"fresh=new"}},
       {{"out=old [ro]"}, kWriteAtomically, "out", ERROR_ACCESS_DENIED, {"out=old [ro]"}},
   };
+  // clang-format on
   for (const auto& C : Cases) {
     SCOPED_TRACE(std::to_string(C.Call) + " " + C.Path);
     TempDir T;

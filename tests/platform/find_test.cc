@@ -42,8 +42,8 @@ TSearchRec Record(const std::string& Spec, int Mask) {
 TEST(Find, TheMaskLetsHiddenSystemAndDirectoryEntriesThrough) {
   TempDir T;
   // Hidden: a leading dot or the stored bit; system, archive: stored bits.
-  MakeTree(T.Path(), {"plain.txt", "ro.txt [ro]", ".dot.txt", "hid.txt [0x2]", "sys.txt [0x4]", "arc.txt [0x20]",
-                      "sub/"});
+  MakeTree(T.Path(), {"plain.txt", "ro.txt [ro]", ".dot.txt", "hid.txt [0x2]", "sys.txt [0x4]",
+                      "arc.txt [0x20]", "sub/"});
   const Names Plain = {"plain.txt", "ro.txt", "arc.txt"};
   auto With = [&](Names More) { return More.insert(Plain.begin(), Plain.end()), More; };
   EXPECT_EQ(Find(T / "*", 0), Plain);

@@ -31,6 +31,7 @@ TEST(MoveFile, WhatAMoveLeavesAndTheErrorItReports) {
     std::string From, To;
     DWORD Flags, Error;  // ERROR_SUCCESS for a move that succeeds
     Lines After;
+    // clang-format off
   } Cases[] = {
       {{"a=a", "b=b"}, kWithProgress, "a", "b", kCopyAllowed, ERROR_ALREADY_EXISTS, {"a=a", "b=b"}},
       {{"a=a", "b=b"}, kMove, "a", "b", 0, ERROR_ALREADY_EXISTS, {"a=a", "b=b"}},
@@ -46,6 +47,7 @@ TEST(MoveFile, WhatAMoveLeavesAndTheErrorItReports) {
       {{"a=a"}, kMove, "none", "b", 0, ERROR_FILE_NOT_FOUND, {"a=a"}},
       {{"a=a"}, kMove, "a", "nodir/b", 0, ERROR_PATH_NOT_FOUND, {"a=a"}},
   };
+  // clang-format on
   for (const auto& C : Cases) {
     SCOPED_TRACE(C.From + " -> " + C.To);
     TempDir T;
@@ -58,7 +60,8 @@ TEST(MoveFile, WhatAMoveLeavesAndTheErrorItReports) {
   }
 }
 
-DWORD CountCalls(std::int64_t, std::int64_t Transferred, std::int64_t, std::int64_t, DWORD, DWORD, void* Data) {
+DWORD CountCalls(std::int64_t, std::int64_t Transferred, std::int64_t, std::int64_t, DWORD, DWORD,
+                 void* Data) {
   static_cast<std::vector<std::int64_t>*>(Data)->push_back(Transferred);
   return PROGRESS_CONTINUE;
 }

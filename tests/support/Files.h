@@ -81,7 +81,8 @@ inline std::vector<std::string> Tree(const std::string& Dir) {
     std::string Line = Text == "x" ? Name : Name + "=" + Text;
     if ((ModeOf(Path) & 0222) == 0) Line += " [ro]";
     char Stored[32] = {};
-    if (getxattr(Path.c_str(), "user.DOSATTRIB", Stored, sizeof Stored - 1) > 0) Line += " [" + std::string(Stored) + "]";
+    if (getxattr(Path.c_str(), "user.DOSATTRIB", Stored, sizeof Stored - 1) > 0)
+      Line += " [" + std::string(Stored) + "]";
     Lines.push_back(Line);
   }
   std::sort(Lines.begin(), Lines.end());
@@ -96,20 +97,25 @@ inline void MakeTree(const std::string& Dir, const std::vector<std::string>& Lin
       continue;
     }
     if (const std::size_t Arrow = Line.find(" => "); Arrow != std::string::npos) {
-      std::filesystem::create_hard_link(Dir + "/" + Line.substr(Arrow + 4), Dir + "/" + Line.substr(0, Arrow), Ec);
+      std::filesystem::create_hard_link(Dir + "/" + Line.substr(Arrow + 4), Dir + "/" + Line.substr(0, Arrow),
+                                        Ec);
       continue;
     }
     if (const std::size_t Arrow = Line.find(" -> "); Arrow != std::string::npos) {
-      std::filesystem::create_directories(std::filesystem::path(Dir + "/" + Line.substr(0, Arrow)).parent_path(), Ec);
+      std::filesystem::create_directories(
+          std::filesystem::path(Dir + "/" + Line.substr(0, Arrow)).parent_path(), Ec);
       std::filesystem::create_symlink(Line.substr(Arrow + 4), Dir + "/" + Line.substr(0, Arrow), Ec);
       continue;
     }
     std::string Stored;
     bool ReadOnly = false;
-    for (std::size_t At; Line.ends_with("]") && (At = Line.rfind(" [")) != std::string::npos; Line.resize(At)) {
+    for (std::size_t At; Line.ends_with("]") && (At = Line.rfind(" [")) != std::string::npos;
+         Line.resize(At)) {
       const std::string Mark = Line.substr(At + 2, Line.size() - At - 3);
-      if (Mark == "ro") ReadOnly = true;
-      else Stored = Mark;
+      if (Mark == "ro")
+        ReadOnly = true;
+      else
+        Stored = Mark;
     }
     const std::size_t Eq = Line.find('=');
     const std::string Path = Dir + "/" + Line.substr(0, Eq);
