@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #include "ZtRunner.h"
+#include "support/Files.h"
 #include "support/TempDir.h"
 
 namespace zt::testing {
@@ -19,14 +20,6 @@ using Lines = std::vector<std::string>;
 using namespace std::string_literals;
 
 const std::string kBom = "\xEF\xBB\xBF";
-
-// Names in Dir (hidden temporary files included).
-Lines Listing(const std::string& Dir) {
-  Lines R;
-  for (const auto& E : fs::directory_iterator(Dir)) R.push_back(E.path().filename());
-  std::sort(R.begin(), R.end());
-  return R;
-}
 
 TEST(ConcatEndToEnd, JoinsPartsInNameOrderWithSeparatorsAndOneByteOrderMark) {
   TempDir Dir;
@@ -46,19 +39,15 @@ actions:
     Separator: "\n"
     SkipByteOrderMarks: true
     Force: true
-  - action: Concatenate Files
-    SourceFiles: parts/a.txt
-    TargetFile: out/dir/all.txt
-    Separator: "|"
-    SkipByteOrderMarks: true
-    AppendToTarget: true
+  - {action: Concatenate Files, SourceFiles: parts/a.txt, TargetFile: out/dir/all.txt, Separator: "|",
+     SkipByteOrderMarks: true, AppendToTarget: true}
 )");
   ASSERT_EQ(R.ExitCode, 0) << R.Stderr;
   EXPECT_EQ(StatusDetails(R, "1"),
             (Lines{"Concatenating files : out/dir/all.txt", "Adding : parts/a.txt", "Adding : parts/b.txt",
                    "Adding : parts/c.txt", "Adding : extra.bin", "4 Files Concatenated."}));
   EXPECT_EQ(Dir.Read("out/dir/all.txt"), kBom + "a\0x\nb\n\ne"s + kBom + "mid|a\0x"s);
-  EXPECT_EQ(Listing(Dir / "out/dir"), Lines{"all.txt"});
+  EXPECT_EQ(ListNames(Dir / "out/dir"), Lines{"all.txt"});
 }
 
 TEST(ConcatEndToEnd, FailuresWriteNothing) {
@@ -90,7 +79,7 @@ TEST(ConcatEndToEnd, FailuresWriteNothing) {
     EXPECT_EQ(R.ExitCode, 1) << C.Options;
     EXPECT_EQ(StatusDetails(R, "1"), C.Details) << C.Options;
     EXPECT_EQ(Dir.Read("t.txt"), "old");
-    EXPECT_EQ(Listing(Dir.Path()), (Lines{"a.txt", "b.txt", "log.jsonl", "project.yml", "ro.txt", "t.txt"}));
+    EXPECT_EQ(ListNames(Dir.Path()), (Lines{"a.txt", "b.txt", "log.jsonl", "project.yml", "ro.txt", "t.txt"}));
   }
 }
 
@@ -105,19 +94,11 @@ TEST(GetFileSizeEndToEnd, SumsFilesSpecificationsAndTrees) {
   fs::create_directory_symlink("../elsewhere", Dir / "d/link");
   ZtResult R = RunZt(Dir.Path(), R"(name: Sizes
 actions:
-  - action: Get File Size
-    FileName: d/a.txt
-  - action: Get File Size
-    FileName: d/*.txt
-    Recurse: true
-  - action: Get File Size
-    FileName: d/
-    ZTVariable: SIZE
-  - action: Get File Size
-    FileName: d/none*
-    FailIfMissing: false
-  - action: Get File Size
-    FileName: d/none*
+  - {action: Get File Size, FileName: d/a.txt}
+  - {action: Get File Size, FileName: d/*.txt, Recurse: true}
+  - {action: Get File Size, FileName: d/, ZTVariable: SIZE}
+  - {action: Get File Size, FileName: d/none*, FailIfMissing: false}
+  - {action: Get File Size, FileName: d/none*}
 )");
   EXPECT_EQ(R.ExitCode, 1);
   EXPECT_EQ(Messages(R, "1"), Lines{"Size of d/a.txt : 3 bytes in 1 files"});
@@ -178,8 +159,7 @@ TEST(FileActionsEndToEnd, ValidateNamesWhatIsMissing) {
 actions:
   - action: Concatenate Files
   - action: Get File Size
-  - action: File Compare
-    FileName: a
+  - {action: File Compare, FileName: a}
 )",
                      {}, "validate");
   EXPECT_EQ(R.ExitCode, 1);

@@ -13,6 +13,7 @@
 #include <gtest/gtest.h>
 
 #include "ZtRunner.h"
+#include "support/Files.h"
 #include "support/TempDir.h"
 
 namespace zt::testing {
@@ -21,38 +22,22 @@ namespace {
 namespace fs = std::filesystem;
 using Lines = std::vector<std::string>;
 
-void Make(const TempDir& D, const std::string& Relative, const std::string& Text) {
-  fs::create_directories(fs::path(D / Relative).parent_path());
-  D.Write(Relative, Text);
-}
-
 
 TEST(FileSetCopyMoveEndToEnd, CopiesAndMovesFilesKeepingTheirPathsBelowTheBase) {
   TempDir D;
-  Make(D, "src/a.txt", "a");
-  Make(D, "src/sub/b.txt", "b");
-  Make(D, "src/sub/deep/c.txt", "c");
-  Make(D, "src/sub/skip.log", "log");
+  WriteText(D / "src/a.txt", "a");
+  WriteText(D / "src/sub/b.txt", "b");
+  WriteText(D / "src/sub/deep/c.txt", "c");
+  WriteText(D / "src/sub/skip.log", "log");
   ZtResult R = RunZt(D.Path(), R"(filesets:
   Texts:
     base: src
     include: ["**/*.txt"]
 actions:
-  - action: FileSet Copy/Move
-    FileSetName: texts
-    TargetDir: out/tree
-  - action: FileSet Copy/Move
-    FileSetName: Texts
-    TargetDir: flat
-    KeepStructure: false
-  - action: FileSet Copy/Move
-    FileSetName: Texts
-    TargetDir: moved/
-    Operation: foMove
-  - action: FileSet Copy/Move
-    FileSetName: Texts
-    TargetDir: again
-    FailIfZeroFiles: true
+  - {action: FileSet Copy/Move, FileSetName: texts, TargetDir: out/tree}
+  - {action: FileSet Copy/Move, FileSetName: Texts, TargetDir: flat, KeepStructure: false}
+  - {action: FileSet Copy/Move, FileSetName: Texts, TargetDir: moved/, Operation: foMove}
+  - {action: FileSet Copy/Move, FileSetName: Texts, TargetDir: again, FailIfZeroFiles: true}
 )");
   EXPECT_EQ(R.ExitCode, 1) << R.Stderr;
   EXPECT_EQ(StatusDetails(R, "1"), (Lines{"Copying file set texts -> out/tree", "3 Files Copied."}));
@@ -70,7 +55,7 @@ actions:
 
 TEST(FileSetCopyMoveEndToEnd, ExistingTargetsAreSkippedKeptOrReplacedAsTheOptionsSay) {
   TempDir D;
-  Make(D, "src/f.txt", "new");
+  WriteText(D / "src/f.txt", "new");
   const std::string Src = D / "src/f.txt";
   const struct {
     std::string Options;
@@ -91,7 +76,7 @@ TEST(FileSetCopyMoveEndToEnd, ExistingTargetsAreSkippedKeptOrReplacedAsTheOption
   std::string Yaml = "filesets:\n  S:\n    base: src\nactions:\n";
   for (std::size_t I = 0; I < std::size(Cases); ++I) {
     const std::string Dir = "t" + std::to_string(I);
-    Make(D, Dir + "/f.txt", "old");
+    WriteText(D / Dir + "/f.txt", "old");
     const auto Age = fs::last_write_time(Src);
     fs::last_write_time(D / (Dir + "/f.txt"), Cases[I].TargetNewer ? Age + std::chrono::hours(1)
                                                                     : Age - std::chrono::hours(1));
@@ -114,9 +99,9 @@ TEST(FileSetCopyMoveEndToEnd, ExistingTargetsAreSkippedKeptOrReplacedAsTheOption
 
 TEST(FileSetCopyMoveEndToEnd, RefusesBeforeCopyingWhatWouldOverlapOrCollide) {
   TempDir D;
-  Make(D, "out/old.txt", "previous run");
-  Make(D, "a/x.txt", "a");
-  Make(D, "b/x.txt", "b");
+  WriteText(D / "out/old.txt", "previous run");
+  WriteText(D / "a/x.txt", "a");
+  WriteText(D / "b/x.txt", "b");
   ZtResult R = RunZt(D.Path(), R"(filesets:
   All:
     base: .
@@ -125,23 +110,11 @@ TEST(FileSetCopyMoveEndToEnd, RefusesBeforeCopyingWhatWouldOverlapOrCollide) {
     base: .
     include: ["a/*", "b/*"]
 actions:
-  - action: FileSet Copy/Move
-    FileSetName: All
-    TargetDir: out
-    ignoreFailure: true
-  - action: FileSet Copy/Move
-    FileSetName: Sources
-    TargetDir: flat
-    KeepStructure: false
-    ignoreFailure: true
-  - action: FileSet Copy/Move
-    FileSetName: Nope
-    TargetDir: flat
-    ignoreFailure: true
-  - action: FileSet Copy/Move
-    FileSetName: All
-    TargetDir: "%NOPE%/out"
-    ignoreFailure: true
+  - {action: FileSet Copy/Move, FileSetName: All, TargetDir: out, ignoreFailure: true}
+  - {action: FileSet Copy/Move, FileSetName: Sources, TargetDir: flat, KeepStructure: false,
+     ignoreFailure: true}
+  - {action: FileSet Copy/Move, FileSetName: Nope, TargetDir: flat, ignoreFailure: true}
+  - {action: FileSet Copy/Move, FileSetName: All, TargetDir: "%NOPE%/out", ignoreFailure: true}
 )");
   EXPECT_EQ(ActionResult(R, "1"), "ignored");
   EXPECT_EQ(StatusDetails(R, "1"), (Lines{"Copying file set All -> out",
@@ -161,16 +134,14 @@ actions:
 
 TEST(FileSetCopyMoveEndToEnd, AStopEndsTheCopyWithoutAPartialTarget) {
   TempDir D;
-  Make(D, "src/z.txt", "z");  // after huge.bin in the set's order
+  WriteText(D / "src/z.txt", "z");  // after huge.bin in the set's order
   ASSERT_EQ(truncate(D.Write("src/huge.bin", "").c_str(), 1LL << 30), 0);  // sparse: no disk used
   ZtResult R = RunZtAndSignal(D.Path(), R"(filesets:
   S:
     base: src
     include: ["*"]
 actions:
-  - action: FileSet Copy/Move
-    FileSetName: S
-    TargetDir: out
+  - {action: FileSet Copy/Move, FileSetName: S, TargetDir: out}
 )", "\"Copying File :", SIGINT);
   EXPECT_EQ(R.ExitCode, 130) << R.Stderr;
   EXPECT_EQ(StatusDetails(R, "1"), (Lines{"Copying file set S -> out", "Stopping...", "0 Files Copied."}));

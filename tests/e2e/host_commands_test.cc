@@ -57,20 +57,6 @@ TEST(HostCommandsTest, DescribePrintsTheTreeIndentedByDepth) {
             "  Delete File(s) [  ]\n");
 }
 
-// The palette itself is checked line for line in registration_e2e_test.cc.
-TEST(HostCommandsTest, ActionsAvailableLeavesOutTheTypesNotAvailableYet) {
-  TempDir D;
-  const std::string All = RunZtArgs(D.Path(), {"actions"}).Stdout;
-  const std::string Available = RunZtArgs(D.Path(), {"actions", "--available"}).Stdout;
-  std::size_t Unavailable = 0;
-  for (std::size_t At = 0; (At = All.find("(not available yet)\n", At)) != std::string::npos; ++At)
-    ++Unavailable;
-  if (Unavailable == 0) GTEST_SKIP() << "every action type is available";
-  EXPECT_EQ(std::count(Available.begin(), Available.end(), '\n') + Unavailable,
-            std::count(All.begin(), All.end(), '\n'));
-  EXPECT_EQ(Available.find("not available yet"), std::string::npos);
-}
-
 TEST(HostCommandsTest, MisspeltCommandsAndActionsGetDidYouMean) {
   TempDir D;
   ZtResult R = RunZtArgs(D.Path(), {"hlep", "x"});

@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "ZtRunner.h"
+#include "support/Files.h"
 #include "support/TempDir.h"
 
 namespace zt::testing {
@@ -13,13 +14,11 @@ namespace {
 
 namespace fs = std::filesystem;
 
-void Touch(const std::string& Path) { std::ofstream(Path) << "x"; }
-
 TEST(HostRunTest, SuccessfulBuildDeletesFilesAndExitsZero) {
   TempDir D;
   fs::create_directory(D / "sub");
-  Touch(D / "sub/a.txt");
-  Touch(D / "sub/b.log");
+  WriteText(D / "sub/a.txt");
+  WriteText(D / "sub/b.log");
   ZtResult R = RunZt(D.Path(), R"(
 name: Clean
 variables:
@@ -47,8 +46,8 @@ TEST(HostRunTest, VarOnTheCommandLineOverridesTheProjectValue) {
   TempDir D;
   fs::create_directory(D / "keep");
   fs::create_directory(D / "other");
-  Touch(D / "keep/a.txt");
-  Touch(D / "other/a.txt");
+  WriteText(D / "keep/a.txt");
+  WriteText(D / "other/a.txt");
   ZtResult R = RunZt(D.Path(), "variables:\n  DIR: keep\nactions:\n  - action: Delete File(s)\n    FileSpec: \"%DIR%/*.txt\"\n",
                      {"--var", "DIR=other", "--var", "N=5"});
   EXPECT_EQ(R.ExitCode, 0) << R.Stderr;
@@ -102,7 +101,7 @@ actions:
 TEST(HostRunTest, RunsInTheProjectFolderWhereverStarted) {
   TempDir D;
   fs::create_directories(D / "proj/sub");
-  Touch(D / "proj/sub/a.txt");
+  WriteText(D / "proj/sub/a.txt");
   std::ofstream(D / "proj/project.yml") << "actions:\n  - action: Delete File(s)\n    FileSpec: sub/a.txt\n";
   ZtResult R = RunZtArgs(D.Path(), {"run", "proj/project.yml", "--quiet"});
   EXPECT_EQ(R.ExitCode, 0) << R.Stderr;
@@ -112,8 +111,8 @@ TEST(HostRunTest, RunsInTheProjectFolderWhereverStarted) {
 
 TEST(HostRunTest, IgnoredFailureGoesOnDisabledIsSkippedAndFailureStops) {
   TempDir D;
-  Touch(D / "a.txt");
-  Touch(D / "b.txt");
+  WriteText(D / "a.txt");
+  WriteText(D / "b.txt");
   ZtResult R = RunZt(D.Path(), R"(
 actions:
   - action: Delete File(s)
@@ -137,36 +136,6 @@ actions:
   EXPECT_TRUE(fs::exists(D / "b.txt"));
   EXPECT_EQ(R.Events.back()["result"], "failure");
   EXPECT_NE(R.Stdout.find("\nBuild FAILED: 3 actions (1 ignored, 1 skipped) in "), std::string::npos) << R.Stdout;
-}
-
-// Display name of the first type `zt actions` marks as not available yet, or "".
-std::string FirstUnavailableAction(const std::string& Dir) {
-  ZtResult R = RunZtArgs(Dir, {"actions"});
-  for (std::size_t S = 0, E; (E = R.Stdout.find('\n', S)) != std::string::npos; S = E + 1) {
-    std::string L = R.Stdout.substr(S, E - S);
-    if (L.find("(not available yet)") == std::string::npos) continue;
-    std::size_t Name = L.find_first_not_of(' ', L.find("  "));  // columns are apart by two or more spaces
-    return L.substr(Name, L.find("  ", Name) - Name);
-  }
-  return "";
-}
-
-// A type not built yet can never succeed: refused before an earlier action changes anything.
-TEST(HostRunTest, ProjectUsingATypeNotAvailableYetIsRefusedBeforeAnythingRuns) {
-  TempDir D;
-  std::string Name = FirstUnavailableAction(D.Path());
-  if (Name.empty()) GTEST_SKIP() << "every action type is available";
-  std::string Yaml = "actions:\n  - action: Create Directory\n    FileOrDirectory: made\n  - action: \"" + Name + "\"\n    AnySetting: x\n";
-  ZtResult R = RunZt(D.Path(), Yaml);
-  EXPECT_EQ(R.ExitCode, 2);
-  EXPECT_EQ(R.Stderr, "project.yml:4: " + Name + " is not available yet\n");
-  EXPECT_FALSE(fs::exists(D / "made"));
-  EXPECT_TRUE(R.Events.empty());
-  R = RunZt(D.Path(), "", {}, "validate");
-  EXPECT_EQ(R.ExitCode, 1);
-  EXPECT_EQ(R.Stdout, "project.yml:4: " + Name + " is not available yet\n");
-  R = RunZt(D.Path(), Yaml + "    enabled: false\n");
-  EXPECT_EQ(R.ExitCode, 0) << R.Stderr;
 }
 
 // A build log that is lost is a failed run: one line says so, whatever the build did.

@@ -24,11 +24,6 @@ namespace {
 namespace fs = std::filesystem;
 using Lines = std::vector<std::string>;
 
-void Write(const std::string& Path, const std::string& Text) {
-  fs::create_directories(fs::path(Path).parent_path());
-  WriteText(Path, Text);
-}
-
 // A file of Size bytes that takes no space (its data is one hole).
 void Sparse(const std::string& Path, std::uintmax_t Size) {
   std::ofstream(Path).close();
@@ -63,8 +58,8 @@ TEST(NothingLost, MoveOntoAFullDiskKeepsTheOldTarget) {
   SmallDisk Disk(2048);
   if (!Disk.Mounted()) GTEST_SKIP() << "mounting a small tmpfs needs root";
   TempDir Dir;
-  Write(Dir / "report.dat", std::string(3 << 20, 'n'));
-  Write(Disk / "report.dat", "last week's report");
+  WriteText(Dir / "report.dat", std::string(3 << 20, 'n'));
+  WriteText(Disk / "report.dat", "last week's report");
   ZtResult R = RunZt(
       Dir.Path(), "actions:\n  - action: Move File(s)\n    FileSpec: report.dat\n    Target: " + Disk.Path() +
                       "\n    TargetIsDir: true\n");
@@ -81,7 +76,7 @@ TEST(NothingLost, MoveAcrossFileSystemsStoppedTwiceLeavesBothFilesWhole) {
   TempDir Shm("/dev/shm"), Dir;
   if (Shm.Path().empty() || SameDevice(Shm.Path(), Dir.Path())) GTEST_SKIP() << "no second file system";
   Sparse(Shm / "big.bin", std::uintmax_t{16} << 30);  // minutes of copying: the signals come first
-  Write(Dir / "out/big.bin", "old");
+  WriteText(Dir / "out/big.bin", "old");
   ZtResult R = RunZtAndSignal(Dir.Path(),
                               "actions:\n  - action: Move File(s)\n    FileSpec: " + Shm.Path() +
                                   "/big.bin\n    Target: out\n    TargetIsDir: true\n",
@@ -107,7 +102,7 @@ std::string WritesOfKeys(const std::string& Ini, const std::string& Prefix, int 
 TEST(NothingLost, TwoBuildsWritingOneIniFileKeepEveryKey) {
   TempDir Shm("/dev/shm"), A, B;  // a file system without slow flushes, where one is
   const std::string Ini = (Shm.Path().empty() ? A.Path() : Shm.Path()) + "/shared.ini";
-  Write(Ini, "");
+  WriteText(Ini, "");
   auto First = std::async(std::launch::async, [&] { return RunZt(A.Path(), WritesOfKeys(Ini, "a", 200)); });
   ZtResult Second = RunZt(B.Path(), WritesOfKeys(Ini, "b", 200));
   ZtResult R = First.get();
@@ -124,7 +119,7 @@ TEST(NothingLost, TwoBuildsWritingOneIniFileKeepEveryKey) {
 
 TEST(NothingLost, IniWritesGoThroughLinksAndKeepOwnerGroupAndAttributes) {
   TempDir Dir;
-  Write(Dir / "real.ini", "[s]\r\nk=1\r\n");
+  WriteText(Dir / "real.ini", "[s]\r\nk=1\r\n");
   fs::create_symlink("real.ini", Dir / "link.ini");
   const bool Root = geteuid() == 0;
   if (Root) {
@@ -158,8 +153,8 @@ TEST(NothingLost, IniWritesGoThroughLinksAndKeepOwnerGroupAndAttributes) {
 
 TEST(NothingLost, RecursiveCopyIntoItsOwnSubFolderCopiesTheTreeOnce) {
   TempDir Dir;
-  Write(Dir / "tree/a.txt", "a");
-  Write(Dir / "tree/d/b.txt", "b");
+  WriteText(Dir / "tree/a.txt", "a");
+  WriteText(Dir / "tree/d/b.txt", "b");
   ZtResult R = RunZt(Dir.Path(), R"(actions:
   - {action: Copy File(s), FileSpec: tree/*, Target: tree/sub, Recurse: true, Force: true}
 )");
@@ -171,8 +166,8 @@ TEST(NothingLost, RecursiveCopyIntoItsOwnSubFolderCopiesTheTreeOnce) {
 
 TEST(NothingLost, RecursiveCopyStopsWhereALinkLeadsBackUpTheTree) {
   TempDir Dir;
-  Write(Dir / "tree/a.txt", "a");
-  Write(Dir / "tree/d/b.txt", "b");
+  WriteText(Dir / "tree/a.txt", "a");
+  WriteText(Dir / "tree/d/b.txt", "b");
   fs::create_directory_symlink("..", Dir / "tree/d/up");
   ZtResult R = RunZt(Dir.Path(), R"(actions:
   - {action: Copy File(s), FileSpec: tree/*, Target: out, Recurse: true, Force: true}

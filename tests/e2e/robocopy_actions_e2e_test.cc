@@ -12,6 +12,7 @@
 #include <gtest/gtest.h>
 
 #include "ZtRunner.h"
+#include "support/Files.h"
 #include "support/TempDir.h"
 
 namespace zt::testing {
@@ -20,53 +21,23 @@ namespace {
 namespace fs = std::filesystem;
 using Lines = std::vector<std::string>;
 
-void Write(const std::string& Path, const std::string& Text) {
-  fs::create_directories(fs::path(Path).parent_path());
-  std::ofstream(Path) << Text;
-}
-
-std::string Read(const std::string& Path) {
-  std::ifstream In(Path);
-  std::stringstream S;
-  S << In.rdbuf();
-  return S.str();
-}
-
 TEST(RobocopyActionsEndToEnd, SwitchesFromPropertiesAndOptionsAndTheExitCodeJudged) {
   TempDir Dir;
-  Write(Dir / "src/a.txt", "a");
-  Write(Dir / "src/sub/b.txt", "b");
-  Write(Dir / "src/skip.log", "log");
-  Write(Dir / "mirror/stale.txt", "stale");
+  WriteText(Dir / "src/a.txt", "a");
+  WriteText(Dir / "src/sub/b.txt", "b");
+  WriteText(Dir / "src/skip.log", "log");
+  WriteText(Dir / "mirror/stale.txt", "stale");
   ZtResult R = RunZt(Dir.Path(), R"(name: Copies
 options:
   TZTRobocopyOptions:
     DefaultRetryWait: 0
 actions:
-  - action: Robocopy Mirror
-    Source: src
-    Destination: mirror
-    ExcludeFiles: "*.log"
-    NoJobHeader: true
-    NoJobSummary: true
-  - action: Robocopy
-    Source: src
-    Destination: copy
-    Files: "*.txt"
-    CopySubDirs: true
-    Levels: 1
-    Retries: 0
-    Threads: 2
-    FailureLevel: 1
-    ignoreFailure: true
-    NoJobSummary: true
-    NoJobHeader: true
-  - action: Robocopy Move
-    Source: src/sub
-    Destination: moved
-    MoveDirectories: true
-    NoProgress: false
-    AdditionalSwitches: /NJH /NJS
+  - {action: Robocopy Mirror, Source: src, Destination: mirror, ExcludeFiles: "*.log", NoJobHeader: true,
+     NoJobSummary: true}
+  - {action: Robocopy, Source: src, Destination: copy, Files: "*.txt", CopySubDirs: true, Levels: 1,
+     Retries: 0, Threads: 2, FailureLevel: 1, ignoreFailure: true, NoJobSummary: true, NoJobHeader: true}
+  - {action: Robocopy Move, Source: src/sub, Destination: moved, MoveDirectories: true, NoProgress: false,
+     AdditionalSwitches: /NJH /NJS}
 )");
   ASSERT_EQ(R.ExitCode, 0) << R.Stdout << R.Stderr;
   Lines Mirror = Messages(R, "1");
@@ -76,7 +47,7 @@ actions:
   EXPECT_EQ(ActionResult(R, "1"), "success");
   EXPECT_FALSE(fs::exists(Dir / "mirror/stale.txt"));
   EXPECT_FALSE(fs::exists(Dir / "mirror/skip.log"));
-  EXPECT_EQ(Read(Dir / "mirror/sub/b.txt"), "b");
+  EXPECT_EQ(ReadText(Dir / "mirror/sub/b.txt"), "b");
 
   EXPECT_EQ(Messages(R, "2"), (Lines{"Copying with the built-in engine : src copy '*.txt' /S /LEV:1 /R:0 /W:0 /MT:2 "
                                      "/NJH /NJS /NP",
@@ -87,15 +58,14 @@ actions:
   ASSERT_FALSE(Messages(R, "3").empty());
   EXPECT_EQ(Messages(R, "3").front(), "Copying with the built-in engine : src/sub moved /MOVE /R:3 /W:0 /NJH /NJS");
   EXPECT_FALSE(fs::exists(Dir / "src/sub"));
-  EXPECT_EQ(Read(Dir / "moved/b.txt"), "b");
+  EXPECT_EQ(ReadText(Dir / "moved/b.txt"), "b");
 }
 
 TEST(RobocopyActionsEndToEnd, SettingsChecksAndTheSystemToolOnPosix) {
   TempDir Dir;
   ZtResult V = RunZt(Dir.Path(), R"(name: Checks
 actions:
-  - action: Robocopy
-    Threads: 200
+  - {action: Robocopy, Threads: 200}
   - action: Run Robocopy Job
 )",
                      {}, "validate");
@@ -103,30 +73,26 @@ actions:
                       "1 Robocopy: Destination Directory: A destination must be specified\n"
                       "1 Robocopy: Threads: Threads must be between 0 and 128\n"
                       "2 Run Robocopy Job: Job File: A job file must be specified\n");
-  Write(Dir / "src/a.txt", "a");
+  WriteText(Dir / "src/a.txt", "a");
   ZtResult R = RunZt(Dir.Path(), R"(name: System tool
 options:
   TZTRobocopyOptions:
     Engine: reSystemTool
 actions:
-  - action: Robocopy Mirror
-    Source: src
-    Destination: dst
+  - {action: Robocopy Mirror, Source: src, Destination: dst}
 )");
   ASSERT_FALSE(Messages(R, "1").empty()) << R.Stderr;
   EXPECT_EQ(Messages(R, "1").front(), "The system robocopy tool is not available here; using the built-in engine");
-  EXPECT_EQ(Read(Dir / "dst/a.txt"), "a");
+  EXPECT_EQ(ReadText(Dir / "dst/a.txt"), "a");
 }
 
 TEST(RobocopyActionsEndToEnd, CtrlCInTheMiddleOfAMirrorLeavesEveryFileWhole) {
   TempDir Dir;
   const std::string Block(256 * 1024, 'z');
-  for (int I = 0; I < 400; ++I) Write(Dir / ("src/f" + std::to_string(I) + ".bin"), Block + std::to_string(I));
+  for (int I = 0; I < 400; ++I) WriteText(Dir / ("src/f" + std::to_string(I) + ".bin"), Block + std::to_string(I));
   ZtResult R = RunZtAndSignal(Dir.Path(), R"(name: Stop
 actions:
-  - action: Robocopy Mirror
-    Source: src
-    Destination: dst
+  - {action: Robocopy Mirror, Source: src, Destination: dst}
 )",
                               "New File", SIGINT);
   EXPECT_EQ(R.ExitCode, 130) << R.Stdout;
@@ -135,7 +101,7 @@ actions:
   for (const auto& E : fs::directory_iterator(Dir / "dst")) {
     const std::string Name = E.path().filename().string();
     ASSERT_EQ(Name[0], 'f') << "a temporary file was left: " << Name;
-    EXPECT_EQ(Read(E.path()), Read(Dir / ("src/" + Name))) << Name;
+    EXPECT_EQ(ReadText(E.path()), ReadText(Dir / ("src/" + Name))) << Name;
     ++Copied;
   }
   EXPECT_LT(Copied, 400);

@@ -14,6 +14,7 @@
 #include <gtest/gtest.h>
 
 #include "ZtRunner.h"
+#include "support/Files.h"
 #include "support/TempDir.h"
 
 namespace zt::testing {
@@ -29,20 +30,6 @@ void Write(const std::string& Path, const std::string& Text, int AgeSeconds = 10
   fs::create_directories(fs::path(Path).parent_path());
   std::ofstream(Path) << Text;
   fs::last_write_time(Path, Now - std::chrono::seconds(AgeSeconds));
-}
-
-Lines Listing(const std::string& Dir) {
-  Lines Names;
-  for (const auto& E : fs::directory_iterator(Dir)) Names.push_back(E.path().filename().string());
-  std::sort(Names.begin(), Names.end());
-  return Names;
-}
-
-std::string Read(const std::string& Path) {
-  std::ifstream In(Path);
-  std::stringstream S;
-  S << In.rdbuf();
-  return S.str();
 }
 
 Lines OutputLines(const ZtResult& R) {
@@ -117,7 +104,7 @@ TEST(RobocopyEndToEnd, FileClassesAgainstClassSwitches) {
       const bool Copied = Listed && !ListOnly;
       const std::string Src = Dir / "src/" + Name, Dst = Dir / "dst/" + Name;
       const bool Equal = std::string(Name) == "same.txt" || std::string(Name) == "tweaked.txt";
-      EXPECT_EQ(Read(Dst) == Read(Src), Copied || Equal) << Row << " " << Name;
+      EXPECT_EQ(ReadText(Dst) == ReadText(Src), Copied || Equal) << Row << " " << Name;
       if (Copied) {
         EXPECT_EQ(fs::last_write_time(Dst), fs::last_write_time(Src)) << Name;
       }
@@ -158,7 +145,7 @@ TEST(RobocopyEndToEnd, ExitBitsAddUpAndFatalStandsAlone) {
     EXPECT_EQ(R.ExitCode, Case.Code) << Case.What << "\n" << R.Stdout;
     // Fatal runs change nothing: the extra is still there.
     if (Case.Code == 16) {
-      EXPECT_EQ(Read(Dir / "dst/extra.txt"), "x") << Case.What;
+      EXPECT_EQ(ReadText(Dir / "dst/extra.txt"), "x") << Case.What;
     }
   }
 }
@@ -171,7 +158,7 @@ TEST(RobocopyEndToEnd, RefusedSwitchAndMissingSourceSayWhy) {
   ZtResult R = Robocopy(Dir, {"srx", "dst", "/MIR", "/NJH"});
   EXPECT_EQ(OutputLines(R), (Lines{"ERROR : The source directory does not exist or cannot be read : srx/",
                                    " --> The system cannot find the path specified"}));
-  EXPECT_EQ(Read(Dir / "dst/keep.txt"), "keep");
+  EXPECT_EQ(ReadText(Dir / "dst/keep.txt"), "keep");
 }
 
 TEST(RobocopyEndToEnd, MirrorPurgesExtrasButNotExcludedOnes) {
@@ -196,10 +183,10 @@ TEST(RobocopyEndToEnd, MirrorPurgesExtrasButNotExcludedOnes) {
                    "Files : 2 total, 2 copied, 0 skipped, 0 mismatched, 0 failed, 1 extra",
                    "Bytes : 2 total, 2 copied, 0 skipped, 0 mismatched, 0 failed, 3 extra"}));
   EXPECT_EQ(Out.back().rfind("Time : ", 0), 0u);
-  EXPECT_EQ(Read(Dir / "dst/build.log"), "log");
+  EXPECT_EQ(ReadText(Dir / "dst/build.log"), "log");
   EXPECT_FALSE(fs::exists(Dir / "dst/old.txt"));
   EXPECT_FALSE(fs::exists(Dir / "dst/gone"));
-  EXPECT_EQ(Read(Dir / "dst/sub/b.txt"), "b");
+  EXPECT_EQ(ReadText(Dir / "dst/sub/b.txt"), "b");
 }
 
 TEST(RobocopyEndToEnd, NeitherTreeIsWalkedIntoOrPurgedThroughTheOther) {
@@ -217,8 +204,8 @@ TEST(RobocopyEndToEnd, NeitherTreeIsWalkedIntoOrPurgedThroughTheOther) {
     Write(Dir / "top/stage/a.txt", "a");
     ZtResult R = Robocopy(Dir, {"top/stage", "top", "/MIR", "/NJH", "/NJS"});
     EXPECT_EQ(R.ExitCode, 3);
-    EXPECT_EQ(Read(Dir / "top/stage/a.txt"), "a");
-    EXPECT_EQ(Read(Dir / "top/a.txt"), "a");
+    EXPECT_EQ(ReadText(Dir / "top/stage/a.txt"), "a");
+    EXPECT_EQ(ReadText(Dir / "top/a.txt"), "a");
   }
 }
 
@@ -232,10 +219,10 @@ TEST(RobocopyEndToEnd, MoveTakesWhatTheDestinationHoldsAndLeavesSkippedFiles) {
   Write(Dir / "src/sub/deep/x.txt", "x");
   ZtResult R = Robocopy(Dir, {"src", "dst", "/MOVE", "/S", "/XO"});
   EXPECT_EQ(R.ExitCode, 1) << R.Stdout;
-  EXPECT_EQ(Listing(Dir / "src"), Lines{"older.txt"});
-  EXPECT_EQ(Read(Dir / "dst/new.txt"), "n");
-  EXPECT_EQ(Read(Dir / "dst/sub/deep/x.txt"), "x");
-  EXPECT_EQ(Read(Dir / "dst/older.txt"), "O");
+  EXPECT_EQ(ListNames(Dir / "src"), Lines{"older.txt"});
+  EXPECT_EQ(ReadText(Dir / "dst/new.txt"), "n");
+  EXPECT_EQ(ReadText(Dir / "dst/sub/deep/x.txt"), "x");
+  EXPECT_EQ(ReadText(Dir / "dst/older.txt"), "O");
 }
 
 TEST(RobocopyEndToEnd, ManyThreadsLogWhatOneThreadLogs) {
@@ -254,7 +241,7 @@ TEST(RobocopyEndToEnd, ManyThreadsLogWhatOneThreadLogs) {
   EXPECT_EQ(Many.ExitCode, 9);
   EXPECT_EQ(OutputLines(Many), OutputLines(One));
   EXPECT_EQ(OutputLines(One).size(), 8u + 321u + 6u);  // dirs, files, the failure and its retry
-  EXPECT_EQ(Read(Dir / "many/d7/f39.txt"), std::string(39 * 50, 'x'));
+  EXPECT_EQ(ReadText(Dir / "many/d7/f39.txt"), std::string(39 * 50, 'x'));
 }
 
 TEST(RobocopyEndToEnd, AJobFileGivesPathsAndSwitchesTheCommandLineAddsTo) {
@@ -267,8 +254,8 @@ TEST(RobocopyEndToEnd, AJobFileGivesPathsAndSwitchesTheCommandLineAddsTo) {
   Write(Dir / "release.rcj", ":: saved\n/SD:my src\t:: the source\n/DD:out\n/IF\n  *.dll\n/XD\n  obj\n/S\n");
   ZtResult R = Robocopy(Dir, {"/JOB:release", "/PURGE", "/NJH", "/NJS"});
   EXPECT_EQ(R.ExitCode, 3) << R.Stdout;
-  EXPECT_EQ(Listing(Dir / "out"), (Lines{"app.dll", "lib"}));
-  EXPECT_EQ(Read(Dir / "out/lib/y.dll"), "y");
+  EXPECT_EQ(ListNames(Dir / "out"), (Lines{"app.dll", "lib"}));
+  EXPECT_EQ(ReadText(Dir / "out/lib/y.dll"), "y");
   EXPECT_EQ(Robocopy(Dir, {"/JOB:missing", "/PURGE"}).Stdout, "ERROR : Cannot read the job file : missing.RCJ\n");
 }
 

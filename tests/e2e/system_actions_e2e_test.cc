@@ -14,6 +14,7 @@
 #include <gtest/gtest.h>
 
 #include "ZtRunner.h"
+#include "support/Files.h"
 #include "support/Processes.h"
 #include "support/TempDir.h"
 
@@ -22,20 +23,10 @@ namespace {
 
 using Lines = std::vector<std::string>;
 
-void Write(const std::string& Path, const std::string& Text, bool Executable = false) {
-  std::ofstream(Path) << Text;
-  if (Executable) chmod(Path.c_str(), 0755);
-}
-
-std::string Read(const std::string& Path) {
-  std::ifstream In(Path);
-  return std::string((std::istreambuf_iterator<char>(In)), {});
-}
-
 TEST(ShellExecuteEndToEnd, VerbsRunTheirCommands) {
   TempDir D;
-  Write(D / "doc.txt", "document");
-  Write(D / "tool.sh", "#!/bin/sh\necho \"$@\" > tool.out\n", true);
+  WriteText(D / "doc.txt", "document");
+  WriteText(D / "tool.sh", "#!/bin/sh\necho \"$@\" > tool.out\n", 0755);
   // The print verb's command, as a user configures it for the desktop.
   setenv("ZT_SHELL_PRINT", "sh -c 'cp \"$0\" printed.txt'", 1);
   ZtResult R = RunZt(D.Path(), R"(actions:
@@ -47,8 +38,8 @@ TEST(ShellExecuteEndToEnd, VerbsRunTheirCommands) {
 )");
   unsetenv("ZT_SHELL_PRINT");
   EXPECT_EQ(R.ExitCode, 0) << R.Stderr;
-  EXPECT_EQ(Read(D / "printed.txt"), "document");
-  EXPECT_EQ(Read(D / "tool.out"), "one two words\n");
+  EXPECT_EQ(ReadText(D / "printed.txt"), "document");
+  EXPECT_EQ(ReadText(D / "tool.out"), "one two words\n");
   EXPECT_EQ(Messages(R, "3"), (Lines{"File does not exist: missing.txt"}));
   EXPECT_EQ(Messages(R, "4"), (Lines{"ShellExecute Failed with error: No application is associated with the "
                                      "specified file for this operation"}));
@@ -71,7 +62,7 @@ TEST(CloseProcessEndToEnd, MessagesBecomeSignalsAndAStubbornProcessIsTerminated)
   TestProcess Quit({"/bin/sleep", "60"});
   TestProcess Close({"/bin/sleep", "60"});
   TestProcess Stubborn({"/bin/sh", "-c", "trap '' INT; exec sleep 60"});
-  ASSERT_TRUE(WaitUntil([&] { return Read("/proc/" + std::to_string(Stubborn.Pid()) + "/comm") == "sleep\n"; }));
+  ASSERT_TRUE(WaitUntil([&] { return ReadText("/proc/" + std::to_string(Stubborn.Pid()) + "/comm") == "sleep\n"; }));
   const std::string Q = std::to_string(Quit.Pid()), C = std::to_string(Close.Pid()),
                     S = std::to_string(Stubborn.Pid());
   ZtResult R = RunZt(D.Path(), R"(actions:

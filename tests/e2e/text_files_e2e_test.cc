@@ -15,14 +15,6 @@ namespace {
 namespace fs = std::filesystem;
 using Lines = std::vector<std::string>;
 
-// Names in Dir, sorted: what a run left behind, temporary files included.
-Lines Entries(const std::string& Dir) {
-  Lines R;
-  for (const auto& E : fs::directory_iterator(Dir)) R.push_back(E.path().filename().string());
-  std::sort(R.begin(), R.end());
-  return R;
-}
-
 TEST(TextFilesE2E, CreateWritesExactBytesAndOverwritesOnlyWhenAsked) {
   TempDir D;
   WriteText(D / "keep.txt", "old, longer contents");
@@ -80,7 +72,7 @@ actions:
   EXPECT_EQ(ReadText(D / "shared-link.txt"), "B\r\nA");
   EXPECT_EQ(ReadText(D / "created.txt"), "C\n");
   EXPECT_EQ(fs::status(D / "prepend.txt").permissions(), fs::perms(0640));
-  EXPECT_EQ(Entries(D.Path()),
+  EXPECT_EQ(ListNames(D.Path()),
             (Lines{"append-eol.txt", "append.txt", "created.txt", "empty.txt", "log.jsonl",
                    "prepend-empty.txt", "prepend.txt", "project.yml", "shared-link.txt", "shared.txt"}));
   for (const char* Id : {"1", "4", "6", "7"}) EXPECT_EQ(Messages(R, Id), Lines{}) << Id;
@@ -116,7 +108,7 @@ actions:
             (Lines{"File creation failed: Cannot create file \"locked.txt\". Access is denied"}));
   for (const char* Id : {"1", "2", "3", "4", "5"}) EXPECT_EQ(ActionResult(R, Id), "ignored") << Id;
   EXPECT_EQ(ReadText(D / "locked.txt"), "old");
-  EXPECT_EQ(Entries(D.Path()), (Lines{"folder", "locked.txt", "log.jsonl", "project.yml"}));
+  EXPECT_EQ(ListNames(D.Path()), (Lines{"folder", "locked.txt", "log.jsonl", "project.yml"}));
   EXPECT_TRUE(fs::is_empty(D / "folder"));
 }
 

@@ -59,16 +59,10 @@ TEST(TextReplaceEndToEnd, OnlyChangedFilesAreRewrittenAndAReadOnlyOneStops) {
   fs::last_write_time(Dir / "src/b.txt", Untouched);
   ZtResult R = RunZt(Dir.Path(), R"(name: Replace
 actions:
-  - action: Text Replace (Deprecated)
-    FileSpec: src/*.txt
-    SearchText: v1
-    ReplaceText: v2
-    ignoreFailure: true
-  - action: Text Replace (Deprecated)
-    FileSpec: src/a.txt
-    SearchText: v1
-    ReplaceText: v3
-    FailIfNotFound: true
+  - {action: Text Replace (Deprecated), FileSpec: src/*.txt, SearchText: v1, ReplaceText: v2,
+     ignoreFailure: true}
+  - {action: Text Replace (Deprecated), FileSpec: src/a.txt, SearchText: v1, ReplaceText: v3,
+     FailIfNotFound: true}
 )");
   EXPECT_EQ(R.ExitCode, 1);
   EXPECT_EQ(StatusDetails(R, "1"),
@@ -89,9 +83,7 @@ TEST(TextReplaceEndToEnd, ValidateAndEmptyValuesNameWhatIsMissing) {
 variables:
   NONE: ""
 actions:
-  - action: Text Replace (Deprecated)
-    FileSpec: "*.txt"
-    SearchText: "%NONE%"
+  - {action: Text Replace (Deprecated), FileSpec: "*.txt", SearchText: "%NONE%"}
 )");
   EXPECT_EQ(R.ExitCode, 1);
   EXPECT_EQ(Messages(R, "1"), Lines{"Error: No search text specified."});

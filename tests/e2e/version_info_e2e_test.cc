@@ -42,35 +42,17 @@ TEST(VersionInfoEndToEnd, ReadsVersionsAndStringsOfPE32AndPE32PlusImages) {
     StringValues: |
       CompanyName=COMPANY
       LegalTrademarks=TM
-  - action: Extract Version Info
-    FileName: app32.dll
-    ZTVariable: PV
-    VersionSource: vsProductVersion
-    BuildVariable: PBU
-  - action: Extract Version Info
-    FileName: app32.dll
-    ZTVariable: FVS
-    VersionSource: vsFileVersionString
-  - action: Extract Version Info
-    FileName: app64.exe
-    ZTVariable: FVS64
-    VersionSource: vsFileVersionString
-  - action: Extract Version Info
-    FileName: app64.exe
-    ZTVariable: EN
-    VersionSource: vsFileVersionString
-    Language: "0409"
-    BuildVariable: ENBU
-  - action: Extract Version Info
-    FileName: app64.exe
-    ZTVariable: DE
-    VersionSource: vsProductVersionString
-    ignoreFailure: true
-  - action: Extract Version Info
-    FileName: plain.dll
-    ZTVariable: FIRST
-    VersionSource: vsFileVersionString
-    Language: "0C0A"
+  - {action: Extract Version Info, FileName: app32.dll, ZTVariable: PV, VersionSource: vsProductVersion,
+     BuildVariable: PBU}
+  - {action: Extract Version Info, FileName: app32.dll, ZTVariable: FVS, VersionSource: vsFileVersionString}
+  - {action: Extract Version Info, FileName: app64.exe, ZTVariable: FVS64,
+     VersionSource: vsFileVersionString}
+  - {action: Extract Version Info, FileName: app64.exe, ZTVariable: EN, VersionSource: vsFileVersionString,
+     Language: "0409", BuildVariable: ENBU}
+  - {action: Extract Version Info, FileName: app64.exe, ZTVariable: DE,
+     VersionSource: vsProductVersionString, ignoreFailure: true}
+  - {action: Extract Version Info, FileName: plain.dll, ZTVariable: FIRST,
+     VersionSource: vsFileVersionString, Language: "0C0A"}
 )");
   EXPECT_EQ(Messages(R, "1"), (Lines{"Version of app32.dll is 1.2.3.4", "CompanyName = Acme \xC2\xA9 2024 \xF0\x9F\x9A\x80",
                                      "Version string not found : LegalTrademarks"}));

@@ -99,21 +99,10 @@ TEST(XCopyEndToEnd, TheBuiltInXCopyCopiesWhatThePropertiesSay) {
   }
   chmod((D / "ro/a.txt").c_str(), 0444);
   ZtResult R = RunZt(D.Path(), R"(actions:
-  - action: XCopy
-    Source: src
-    Destination: tree
-    XCopyMode: mdRecursive
-    XCopyLogMode: logVerbose
-    ExcludeFiles: ["\\deep\\"]
-  - action: XCopy
-    Source: src
-    Destination: ro
-    ignoreFailure: true
-  - action: XCopy
-    Source: src
-    Destination: ro
-    OverwriteReadOnly: true
-    XCopyLogMode: logQuiet
+  - {action: XCopy, Source: src, Destination: tree, XCopyMode: mdRecursive, XCopyLogMode: logVerbose,
+     ExcludeFiles: ["\\deep\\"]}
+  - {action: XCopy, Source: src, Destination: ro, ignoreFailure: true}
+  - {action: XCopy, Source: src, Destination: ro, OverwriteReadOnly: true, XCopyLogMode: logQuiet}
 )");
   EXPECT_EQ(R.ExitCode, 0) << R.Stderr;
   const Lines First = Messages(R, "1");
