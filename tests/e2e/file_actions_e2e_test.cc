@@ -120,13 +120,13 @@ std::string Stamp(const std::string& Path) {
 TEST(FileActionsE2E, TouchRules) {
   const std::string Old = "2010-01-02 08:10:20", New = "2021-06-15 13:45:30";  // a file date has 2 s steps
   const std::string Touch = "action: Touch File(s), ", When = "DateTime: 2021-06-15T13:45:31, ";
+  // clang-format off
   const struct {
     std::string Settings;
     Lines Files;  // all stamped Old before the run
     Lines Log;
     std::string Result;
     Lines Stamps;  // "file=stamp" afterwards
-    // clang-format off
   } Cases[] = {
       {"FileSpec: '*.txt'", {"a.txt", "c.log"}, {"Processed : 1 File(s)"}, "success", {"a.txt=" + New, "c.log=" + Old}},
       {"FileSpec: f, TouchTime: false", {"f"}, {"Processed : 1 File(s)"}, "success", {"f=2021-06-15 08:10:20"}},

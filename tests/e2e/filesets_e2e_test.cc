@@ -17,12 +17,12 @@ namespace {
 using Lines = std::vector<std::string>;
 
 TEST(FileSetsE2E, CheckIfFileExistsFindsTheFilesOfAProjectFileSet) {
+  // clang-format off
   const struct {
     Lines Files;
     std::string Set;
     Lines Said;
     std::string Result;
-    // clang-format off
   } Cases[] = {
       {{"src/a/main.cpp"}, "sources", {"Found files from File Set"}, "success"},
       {{"src/generated/gen.cpp", "src/readme.txt"}, "Sources", {"Found no files from File Set"}, "failure"},

@@ -64,15 +64,21 @@ TEST(FileIteratorE2E, FileSetRefreshedAfterEachPassDropsUnvisitedAndAppendsNewFi
   MakeTree(D.Path(), {"src/a.cpp", "src/b.cpp", "src/c.cpp"});
   ZtResult R = RunZt(D.Path(), R"(filesets:
   Src: {base: src, include: ["*.cpp"]}
+  Gone: {base: gone}
 actions:
+  - {action: File Iterator, UseFileSet: true, FileSetName: gone}
   - {action: File Iterator, VariableName: F, UseFileSet: true, FileSetName: Src, FileSetRefreshAfterEach: true,
      actions: [{action: Delete File(s), FileSpec: src/b.cpp, FailIfNoFile: false},
                {action: Copy File(s), FileSpec: src/a.cpp, Target: src/z.cpp}]}
 )");
   EXPECT_EQ(R.ExitCode, 0) << R.Stdout << R.Stderr;
+  // A set without its base directory is empty, and says why; names ignore letter case.
+  EXPECT_EQ(Messages(R, "1"), (Lines{"Retrieving fileset...", "Refreshing fileset...",
+                                     "File set \"Gone\": the base directory " + (D / "gone") + " does not exist",
+                                     "File set \"Gone\": 0 files", "File Set contents (0 files) :", ""}));
   const std::string S = D / "src/", Refresh = "File set \"Src\": 3 files";
   EXPECT_EQ(
-      Messages(R, "1"),
+      Messages(R, "2"),
       (Lines{"Retrieving fileset...", "Refreshing fileset...", Refresh,
              "File Set contents (3 files) :", S + "a.cpp\r\n" + S + "b.cpp\r\n" + S + "c.cpp\r\n",
              // after pass 1: b.cpp deleted, z.cpp made
@@ -80,7 +86,7 @@ actions:
              "1 new file(s) found in the fileset.", "Refreshing fileset...", Refresh, "Refreshing fileset...",
              Refresh, "Final file list which was iterated (after all intermediate updates):",
              S + "a.cpp\r\n" + S + "c.cpp\r\n" + S + "z.cpp\r\n", "(3 files.)"}));
-  EXPECT_EQ(Passes(R, "1"), (Lines{"1/3=" + S + "a.cpp", "2/3=" + S + "c.cpp", "3/3=" + S + "z.cpp"}));
+  EXPECT_EQ(Passes(R, "2"), (Lines{"1/3=" + S + "a.cpp", "2/3=" + S + "c.cpp", "3/3=" + S + "z.cpp"}));
 }
 
 TEST(FolderIteratorE2E, ListsSubFoldersPreOrderWithTheChosenNames) {

@@ -50,6 +50,9 @@ TEST(RunProgramEndToEnd, TheExitCodeDecidesTheResultAndWhatIsLogged) {
       {Dos + "exit 0, CaptureOutput: false", {}, Code(0), "success", {}},
       {Dos + "kill -TERM $$", {}, Code(143), "failure", {}},
       {Dos + "exit 0, LogOutput: false", {}, {}, "success", {}},  // an old project's LogOutput changes nothing
+      // A time-out counts only when enabled and longer than 0 seconds.
+      {Dos + "sleep 0.2, EnableTimeout: true, TimeoutLength: 0", {}, {}, "success", {}},
+      {Dos + "sleep 1.2, EnableTimeout: false, TimeoutLength: 1", {}, {}, "success", {}},
   });
   // clang-format on
 }

@@ -74,11 +74,11 @@ TEST(VariablesFileE2E, LoadFailsByItsFlagsInTheirOrder) {
   TempDir D;
   WriteText(D / "v.ini", "[ZTVariables]\r\nA=1\r\nB=2\r\n");
   WriteText(D / "nosection.ini", "A=1\r\n");
+  // clang-format off
   const struct {
     std::string Settings;
     Lines Said;
     std::string Result;
-    // clang-format off
   } Cases[] = {
       // A missing key or an undefined variable fails by default.
       {"Variables: [A, C, B], VariableTypes: [INTEGER, STRING, INTEGER]", {"Variable not found in INI: C"}, "ignored"},

@@ -84,12 +84,12 @@ TEST_F(ExpanderTest, TokenizesEachTextOnceAndSkipsTextsWithoutPercent) {
 TEST_F(ExpanderTest, CountingExpansionCountsTheTextsOwnReferences) {
   Vars.Set("DIST", "%OUT%/app-%Count%");
   Vars.Set("Cyc", "x-%NOPE2%");
+  // clang-format off
   struct Case {
     std::string Text;
     bool FailOnUnknown;
     std::string Expected;
     int Replaced;
-    // clang-format off
   } Cases[] = {
       {"no references", true, "no references", 0},
       {"%OUT% and %out% 100%% $$(x)", true, "build/out and build/out 100% $(x)", 2},

@@ -15,42 +15,12 @@ namespace {
 
 using nlohmann::json;
 
-TEST_F(RunnerTest, SuccessfulBuildLogsEveryEventInOrder) {
-  Load("name: Demo\nvariables:\n  N: 1\nactions:\n  - action: Test Action\n    Text: hello\n    Count: 2\n");
-  EXPECT_EQ(Run(), BuildResult::Success);
-  std::vector<json> Expected = {
-      json::parse(R"({"event":"build-start","project":"Demo","file":"p.yml","zt":"0.1.0","schema":1})"),
-      json::parse(R"({"event":"action-start","id":"1","title":"Test Action","class":"TTestAction",
-                      "description":"Test Action [ hello ]","file":"p.yml","line":5})"),
-      json::parse(R"({"event":"status","id":"1","text":"","details":["line 1","line 2"]})"),
-      json::parse(R"({"event":"progress","id":"1","text":"half","percent":50})"),
-      json::parse(R"({"event":"action-end","id":"1","result":"success"})"),
-      json::parse(R"({"event":"variables","values":{"N":1,"LastText":"hello"}})"),
-      json::parse(R"({"event":"build-end","result":"success"})"),
-  };
-  EXPECT_EQ(Events, Expected);
-}
-
 TEST_F(RunnerTest, ExceptionFromExecuteFailsTheActionWithAHostLine) {
   Load("actions:\n  - action: Test Action\n");
   Action(0).Behaviour = "throw";
   EXPECT_EQ(Run(), BuildResult::Failure);
   EXPECT_EQ(Events[2], json::parse(R"({"event":"message","id":"1","text":"disk on fire","host":true})"));
   EXPECT_EQ(Events[3], json::parse(R"({"event":"action-end","id":"1","result":"failure"})"));
-}
-
-TEST_F(RunnerTest, StopRequestTerminatesRunningActionAndEndsBuildStopped) {
-  Load("actions:\n  - action: Test Action\n  - action: Test Action\n");
-  Action(0).Behaviour = "wait";
-  auto Stopper = [this](Runner& Host) {
-    while (!Action(0).Started) std::this_thread::sleep_for(std::chrono::milliseconds(1));
-    Host.RequestStop();
-  };
-  EXPECT_EQ(Run({}, Stopper), BuildResult::Stopped);
-  EXPECT_TRUE(Action(0).Terminated);
-  EXPECT_FALSE(Action(1).Started);
-  EXPECT_EQ(Events.back()["result"], "stopped");
-  EXPECT_EQ(Events[Events.size() - 2]["event"], "variables");
 }
 
 TEST(JsonLogTest, ValuesKeepTheirTypesAndBadUtf8IsReplaced) {

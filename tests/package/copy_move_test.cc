@@ -54,10 +54,10 @@ struct ActionRun {
 TEST(CopyProgress, PercentIsRoundedHalfToEvenAndSentOnlyWhenItChanges) {
   std::vector<int> EveryPercent(101);
   std::iota(EveryPercent.begin(), EveryPercent.end(), 0);
+  // clang-format off
   const struct {
     std::size_t Size, Chunk;
     std::vector<int> Percents;
-    // clang-format off
   } Cases[] = {
       {8, 1, {0, 12, 25, 38, 50, 62, 75, 88, 100}},  // 12.5 -> 12, 37.5 -> 38
       {1000, 3, EveryPercent},                       // 334 chunks
@@ -81,12 +81,12 @@ TEST(CopyProgress, PercentIsRoundedHalfToEvenAndSentOnlyWhenItChanges) {
 // A stop asked from another thread, as zt's stop watcher asks it: the action
 // alone (its own cancel) or the host (the build's stop, then the action's).
 TEST(CopyStop, NoFileIsLeftHalfCopiedAndTheCountLineSaysWhoStopped) {
+  // clang-format off
   const struct {
     bool HostStops;
     int AtChunk;     // 0: before the copy starts
     Lines Files;     // in src/, copied in directory order
     Lines Log, Out;  // after the header line; what out/ holds
-    // clang-format off
   } Cases[] = {
       {false, 20, {"big.bin"}, {"Terminating..."}, {}},
       {true, 20, {"big.bin"}, {"Terminating...", "0 Files Copied."}, {}},
@@ -175,12 +175,12 @@ class MeddlingEnv : public pf::EnvWrapper {
 };
 
 TEST(MoveFaults, AFailedMoveIsLoggedAndLeavesBothFilesAsTheyWere) {
+  // clang-format off
   const struct {
     std::string Fault;
     bool StopOnAnyErrors, Result;
     std::string Why;
     Lines After;
-    // clang-format off
   } Cases[] = {
       {"vanish", true, false, "Source File Does not exist", {"out/a.txt=old", "src/"}},
       {"vanish", false, true, "The system cannot find the file specified", {"out/a.txt=old", "src/"}},

@@ -56,12 +56,12 @@ TEST(Attributes, WhatGetFileAttributesSays) {
 TEST(Attributes, WhatSetFileAttributesLeaves) {
   const DWORD All =
       FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM | FILE_ATTRIBUTE_ARCHIVE | FILE_ATTRIBUTE_READONLY;
+  // clang-format off
   const struct {
     std::string Before;
     DWORD Set;
     std::string After;  // as Tree shows it
     mode_t Mode;
-    // clang-format off
   } Cases[] = {
       // Read-only takes every write bit; clearing it gives the owner's back.
       {"a", FILE_ATTRIBUTE_READONLY, "a [ro]", 0444},

@@ -27,12 +27,12 @@ using zt::testing::Tree;
 using zt::testing::WriteText;
 
 TEST(CopyFile, WhatACopyLeavesAndTheErrorItReports) {
+  // clang-format off
   const struct {
     Lines Before;
     std::string From, To;
     DWORD Flags, Error;  // Error: ERROR_SUCCESS for a copy that succeeds
     Lines After;
-    // clang-format off
   } Cases[] = {
       // The data and the attributes, plus archive.
       {{"src=hello [ro] [0x4]"}, "src", "dst", 0, ERROR_SUCCESS, {"dst=hello [ro] [0x24]", "src=hello [ro] [0x4]"}},

@@ -32,13 +32,13 @@ enum Op { kDelete, kCreateDirectory, kForceDirectories, kRemoveDirectory, kWrite
 constexpr DWORD kSomeError = 0xFFFFFFFF;  // fails, whatever the code
 
 TEST(Files, WhatEachCallLeavesAndTheErrorItReports) {
+  // clang-format off
   const struct {
     Lines Before;
     Op Call;
     std::string Path;
     DWORD Error;  // ERROR_SUCCESS for a call that succeeds
     Lines After;
-    // clang-format off
   } Cases[] = {
       // Read-only refuses a delete even for root; hidden and system do not.
       {{"a [ro]"}, kDelete, "a", ERROR_ACCESS_DENIED, {"a [ro]"}},

@@ -25,13 +25,13 @@ bool Move(Call How, const std::string& From, const std::string& To, DWORD Flags)
 }
 
 TEST(MoveFile, WhatAMoveLeavesAndTheErrorItReports) {
+  // clang-format off
   const struct {
     Lines Before;
     Call How;
     std::string From, To;
     DWORD Flags, Error;  // ERROR_SUCCESS for a move that succeeds
     Lines After;
-    // clang-format off
   } Cases[] = {
       {{"a=a", "b=b"}, kWithProgress, "a", "b", kCopyAllowed, ERROR_ALREADY_EXISTS, {"a=a", "b=b"}},
       {{"a=a", "b=b"}, kMove, "a", "b", 0, ERROR_ALREADY_EXISTS, {"a=a", "b=b"}},
