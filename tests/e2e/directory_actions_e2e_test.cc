@@ -262,7 +262,9 @@ TEST(RenameEndToEnd, RenamesInPlaceOrSaysWhyNot) {
                                        C.Options + "\n");
     EXPECT_EQ(R.ExitCode, C.Ok ? 0 : 1) << C.Path << " " << C.NewName;
     EXPECT_EQ(Messages(R, "1"), C.Messages) << C.Path << " " << C.NewName;
-    if (!C.Ok) EXPECT_EQ(Dir.Read("out/a.txt"), "a");
+    if (!C.Ok) {
+      EXPECT_EQ(Dir.Read("out/a.txt"), "a");
+    }
   }
 }
 
