@@ -43,17 +43,6 @@ TEST(RegExprTest, LinesEndAtCrLfCrOrLfAndModifiersChangeTheMatch) {
   EXPECT_THROW(R.SetModifier('q', true), frame::ERegExpr);
 }
 
-TEST(RegExprTest, BadExpressionRaisesWithTheEngineMessage) {
-  TRegExpr R;
-  R.SetExpression("a[b");
-  try {
-    R.Exec(std::string_view("abc"));
-    FAIL();
-  } catch (const frame::ERegExpr& E) {
-    EXPECT_STREQ(E.what(), "missing terminating ] for character class at offset 3");
-  }
-}
-
 TEST(LineBreaksTest, TextsBecomeCrLfLines) {
   const std::pair<std::string, std::string> Cases[] = {
       {"", ""},
