@@ -1,7 +1,6 @@
 #include "test_action.h"
 
-#include <chrono>
-#include <thread>
+#include <stdexcept>
 
 namespace zt::testing {
 
@@ -12,7 +11,8 @@ void TTestAction::Publish(frame::TZTPublisher<TTestAction>& P) {
   P.String("Text", &TTestAction::GetText, &TTestAction::SetText);
   P.Boolean("Flag", &TTestAction::GetFlag, &TTestAction::SetFlag);
   P.Integer("Count", &TTestAction::GetCount, &TTestAction::SetCount);
-  P.Enumeration("Mode", "TTestMode", {"tmOne", "tmTwo", "tmThree"}, &TTestAction::GetMode, &TTestAction::SetMode);
+  P.Enumeration("Mode", "TTestMode", {"tmOne", "tmTwo", "tmThree"}, &TTestAction::GetMode,
+                &TTestAction::SetMode);
   P.Set("Options", "TTestOptions", {"toFirst", "toSecond", "toThird"}, &TTestAction::GetOptions,
         &TTestAction::SetOptions);
   P.StringList("Lines", &TTestAction::GetLines, &TTestAction::SetLines);
@@ -24,55 +24,18 @@ void TTestAction::Publish(frame::TZTPublisher<TTestAction>& P) {
 }
 
 bool TTestAction::Execute() {
-  Started = true;
   if (Behaviour == "throw") throw std::runtime_error("disk on fire");
-  if (Behaviour == "expand") {
-    SendMessage(ExpandExpression(Text_));
-    return true;
+  if (Behaviour != "script") return true;
+  for (int I = 1; I <= Count_; ++I) {
+    frame::TZTScriptParams Params;
+    InitialiseScriptParams("OnRun", Params);
+    frame::ScriptParam(Params, "Index").Value = I;
+    frame::ScriptParam(Params, "Text").Value = Text_;
+    if (!ExecuteScript("OnRun", Params)) return false;
+    ScriptRuns.push_back(Params);
   }
-  if (Behaviour == "tryexpand") {
-    std::string R;
-    if (!TryExpandExpression("Text Caption", Text_, false, R)) return false;
-    SendMessage(R);
-    return true;
-  }
-  if (Behaviour == "script") {
-    for (int I = 1; I <= Count_; ++I) {
-      frame::TZTScriptParams Params;
-      InitialiseScriptParams("OnRun", Params);
-      frame::ScriptParam(Params, "Index").Value = I;
-      frame::ScriptParam(Params, "Text").Value = Text_;
-      if (!ExecuteScript("OnRun", Params)) return false;
-      ScriptRuns.push_back(Params);
-    }
-    return true;
-  }
-  if (Behaviour == "wait") {
-    while (!StopSignalled() || !Terminated) std::this_thread::sleep_for(std::chrono::milliseconds(1));
-    SendMessage("terminated");
-    return false;
-  }
-  auto Entry = CreateStatusMessage();
-  for (int I = 1; I <= Count_; ++I) Entry->Details().Add("line " + std::to_string(I));
-  SendStatusMessage(Entry);
-  SendProgress("half", 50);
-  SetVariable("LastText", Text_);
-  return Behaviour == "ok" && Flag_;
+  return true;
 }
-
-bool TTestAction::Validate(frame::IZTActionValidationError& Errors) {
-  if (Text_.empty()) Errors.AddError("Text Caption", "Text is required");
-  if (Count_ < 0) Errors.AddError("Count Caption", "Count must not be negative");
-  return !Text_.empty() && Count_ >= 0;
-}
-
-void TTestAction::GetPropertyAlias(frame::TStrings& L) {
-  L.Add("[Test]");
-  L.Add("Text=Text Caption");
-  L.Add("Count=Count Caption");
-}
-
-void TTestAction::GetPropertyHelp(frame::TStrings& L) { L.Add("Text=The text to log"); }
 
 void TTestAction::InitialiseScriptParams(const std::string& ScriptName, frame::TZTScriptParams& Params) {
   inherited::InitialiseScriptParams(ScriptName, Params);

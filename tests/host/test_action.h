@@ -1,10 +1,9 @@
 // A small action type for the host's unit tests: one property of every kind,
-// a coupled pair of setters, and an Execute whose outcome the test chooses.
+// a coupled pair of setters, read-only properties both ways, and an Execute
+// that throws or runs its OnRun script.
 #pragma once
 
-#include <atomic>
 #include <cstdint>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -24,18 +23,12 @@ class TTestAction : public frame::TCustomZTAction {
   static void Publish(frame::TZTPublisher<TTestAction>& P);
 
   bool Execute() override;
-  std::string GetFormattedDescription() override { return GetTitle() + " [ " + Text_ + " ]"; }
-  bool Validate(frame::IZTActionValidationError& Errors) override;
-  void GetPropertyAlias(frame::TStrings& L) override;
-  void GetPropertyHelp(frame::TStrings& L) override;
   void GetReadOnlyProperties(frame::TStrings& L) override { L.Add("Shown"); }
   // OnRun: Action, Index (integer), Text (text, in-out), Flag (Boolean,
   // in-out), Ratio (number, in-out), Extra (nothing, in-out).
   void InitialiseScriptParams(const std::string& ScriptName, frame::TZTScriptParams& Params) override;
   // The script method "Rewind" (registered by RegisterTestAction).
   bool ExecuteScriptMethod(const std::string& MethodName) override;
-  bool CanTerminate() override { return true; }
-  void TerminateAction() override { Terminated = true; }
 
   const std::string& GetText() const { return Text_; }
   void SetText(const std::string& V) { Text_ = V; }
@@ -63,14 +56,11 @@ class TTestAction : public frame::TCustomZTAction {
   int GetShown() const { return Shown_; }
   void SetShown(int V) { Shown_ = V; }
 
-  // What Execute does, set by tests: "ok", "fail", "throw", "expand", "tryexpand", "wait", and
-  // "script": runs OnRun Count times (Index 1, 2, ...; Text = the Text property) and keeps the
-  // parameters after each run in ScriptRuns; fails when a run fails.
+  // What Execute does, set by tests: "ok", "throw", and "script": runs OnRun Count times (Index 1,
+  // 2, ...; Text = the Text property) and keeps the parameters after each run in ScriptRuns.
   std::string Behaviour = "ok";
   std::vector<frame::TZTScriptParams> ScriptRuns;
   int Rewound = 0;
-  std::atomic<bool> Terminated{false};
-  std::atomic<bool> Started{false};
 
  private:
   std::string Text_ = "text", Lines_, Path_, Folder_;

@@ -1,13 +1,20 @@
-// The console log where the end-to-end tests cannot reach it: colours, the
-// terminal's width, and durations of long actions.
-#include "host/log/console_log.h"
-
+// The build logs where the end-to-end tests cannot reach them: the console's
+// colours, the terminal's width and durations of long actions, JSON values
+// and bad UTF-8, and progress coalesced between other lines.
 #include <gtest/gtest.h>
 #include <stdio.h>
 #include <stdlib.h>
 
+#include <nlohmann/json.hpp>
+#include <sstream>
+
+#include "host/log/console_log.h"
+#include "host/log/json_log.h"
+
 namespace zt::host {
 namespace {
+
+using nlohmann::json;
 
 // Runs Feed against a console log in memory and returns what it printed.
 template <class Fn>
@@ -55,41 +62,6 @@ TEST(ConsoleLogTest, HeadingsResultsAndTheLineThatPointsAtTheFailure) {
             "release.yml:9: \033[31m[3] Copy: Variable \"X\" is not defined\033[0m\n");
 }
 
-TEST(ConsoleLogTest, QuietPrintsFailedActionsWithTheirLoopAndOnlyTheirOwnPass) {
-  std::string Text = Printed({/*IsTerminal=*/false, /*Color=*/false, /*Quiet=*/true}, [](ConsoleLog& L) {
-    L.BuildStart("Demo", "release.yml");
-    L.ActionStart("1", "Each", "C", "Each", 2);
-    L.Message("1", "Found 4 Items", false);
-    const std::pair<const char*, ActionResult> Passes[] = {{"a", ActionResult::Success},
-                                                           {"b", ActionResult::Ignored},
-                                                           {"c", ActionResult::Success},
-                                                           {"d", ActionResult::Failure}};
-    int Index = 0;
-    for (const auto& [Value, Result] : Passes) {
-      L.Iteration("1", ++Index, 4, Value);
-      L.ActionStart("1.1", "Copy", "C", "Copy", 4);
-      L.Message("1.1", std::string("copying ") + Value, false);
-      L.ActionEnd("1.1", Result, 1, 0);
-    }
-    L.ActionEnd("1", ActionResult::Failure, 5, 0);
-    L.BuildEnd(BuildResult::Failure, 5, "1.1");
-  });
-  EXPECT_EQ(Text,
-            "[1] Each\n"
-            "    Found 4 Items\n"
-            "  pass 2 of 4: b\n"
-            "  [1.1] Copy\n"
-            "      copying b\n"
-            "      failed (ignored)\n"
-            "  pass 4 of 4: d\n"
-            "  [1.1] Copy\n"
-            "      copying d\n"
-            "      FAILED\n"
-            "    FAILED\n"
-            "Build FAILED: 5 actions (1 ignored, 0 skipped) in 5 ms\n"
-            "release.yml:4: [1.1] Copy: copying d\n");
-}
-
 TEST(ConsoleLogTest, ProgressBarIsCutToTheTerminalWidth) {
   setenv("COLUMNS", "30", 1);  // a memory stream has no window size: the variable stands in
   std::string Text = Printed({/*IsTerminal=*/true, /*Color=*/false, /*Quiet=*/false}, [](ConsoleLog& L) {
@@ -112,6 +84,50 @@ TEST(ConsoleLogTest, ColourFollowsTheOptionTheTerminalAndNoColor) {
   EXPECT_TRUE(UseColor("always", /*IsTerminal=*/true));
   unsetenv("NO_COLOR");
   EXPECT_FALSE(UseColor("never", /*IsTerminal=*/true));
+}
+
+TEST(JsonLogTest, ValuesKeepTheirTypesAndBadUtf8IsReplaced) {
+  EXPECT_EQ(JsonValue(true), json(true));
+  EXPECT_EQ(JsonValue(std::int64_t{5}), json(5));
+  EXPECT_EQ(JsonValue("x"), json("x"));
+  EXPECT_EQ(JsonValue(frame::TZTVariant()), json(nullptr));
+  char* Buf = nullptr;
+  size_t Size = 0;
+  {
+    JsonLog Log(open_memstream(&Buf, &Size));
+    Log.Message("2.1", "caf\xe9", false);
+  }
+  EXPECT_EQ(std::string(Buf, Size),
+            "{\"event\":\"message\",\"id\":\"2.1\",\"t_ms\":0,\"text\":\"caf\xef\xbf\xbd\"}\n");
+  free(Buf);
+}
+
+TEST(BuildLogTest, ProgressThatOnlyCountsOnIsCoalesced) {
+  char* Buf = nullptr;
+  size_t Size = 0;
+  {
+    BuildLog Log;
+    Log.AddSink(std::make_unique<JsonLog>(open_memstream(&Buf, &Size)));
+    Log.Progress("1", "Found 0 matches", 10);
+    Log.Progress("1", "Found 1 matches", 10);
+    Log.Progress("1", "Found 2 matches", 10);
+    Log.Message("1", "between", false);
+    Log.Progress("1", "Found 3 matches", 10);
+    Log.Progress("1", "Found 4 matches", 20);
+    Log.Progress("1", "Copying 4 files", 20);
+    Log.Progress("2", "Copying 4 files", 20);
+  }
+  std::vector<std::string> Written;
+  std::istringstream In(std::string(Buf, Size));
+  for (std::string Line; std::getline(In, Line);) {
+    json E = json::parse(Line);
+    Written.push_back(E["id"].get<std::string>() + " " + E.value("text", "") + " " +
+                      (E.contains("percent") ? std::to_string(E["percent"].get<int>()) : ""));
+  }
+  free(Buf);
+  EXPECT_EQ(Written, (std::vector<std::string>{"1 Found 0 matches 10", "1 Found 2 matches 10", "1 between ",
+                                               "1 Found 4 matches 20", "1 Copying 4 files 20",
+                                               "2 Copying 4 files 20"}));
 }
 
 }  // namespace
