@@ -5,7 +5,6 @@
 #include <gtest/gtest.h>
 #include <stdlib.h>
 #include <sys/stat.h>
-#include <sys/statvfs.h>
 #include <unistd.h>
 
 #include "platform/dates.h"
@@ -28,7 +27,7 @@ using zt::testing::TempDir;
 using zt::testing::Tree;
 using zt::testing::WriteText;
 
-enum Op { kDelete, kCreateDirectory, kForceDirectories, kRemoveDirectory, kWriteAtomically };
+enum Op { kDelete, kCreateDirectory, kForceDirectories, kRemoveDirectory, kWriteAtomically, kFreeSpace };
 constexpr DWORD kSomeError = 0xFFFFFFFF;  // fails, whatever the code
 
 TEST(Files, WhatEachCallLeavesAndTheErrorItReports) {
@@ -63,6 +62,7 @@ TEST(Files, WhatEachCallLeavesAndTheErrorItReports) {
       {{"out=old"}, kWriteAtomically, "out", ERROR_SUCCESS, {"out=new"}},
       {{}, kWriteAtomically, "fresh", ERROR_SUCCESS, {"fresh=new"}},
       {{"out=old [ro]"}, kWriteAtomically, "out", ERROR_ACCESS_DENIED, {"out=old [ro]"}},
+      {{}, kFreeSpace, "missing/deeper", ERROR_PATH_NOT_FOUND, {}},
   };
   // clang-format on
   for (const auto& C : Cases) {
@@ -70,10 +70,12 @@ TEST(Files, WhatEachCallLeavesAndTheErrorItReports) {
     TempDir T;
     MakeTree(T.Path(), C.Before);
     const std::string P = T / C.Path;
+    std::uint64_t Free = 0, Total = 0;
     const bool Ok = C.Call == kDelete             ? DeleteFile(P)
                     : C.Call == kCreateDirectory  ? CreateDirectory(P)
                     : C.Call == kForceDirectories ? ForceDirectories(P)
                     : C.Call == kRemoveDirectory  ? RemoveDirectory(P)
+                    : C.Call == kFreeSpace        ? GetDiskFreeSpaceExA(P, &Free, &Total, nullptr)
                                                   : WriteFileAtomically(P, "new");
     EXPECT_EQ(Ok, C.Error == ERROR_SUCCESS);
     if (C.Error != ERROR_SUCCESS && C.Error != kSomeError) {
@@ -136,18 +138,6 @@ TEST(Files, ReplacementTakesThePlaceOfTheFileOnlyWhenCommitted) {
   EXPECT_EQ(ListNames(T.Path()), (std::vector<std::string>{"src", "t"}));
 }
 
-TEST(Volumes, FreeSpaceIsThatOfTheVolumeHoldingThePath) {
-  TempDir T;
-  struct statvfs Vfs;
-  ASSERT_EQ(statvfs(T.Path().c_str(), &Vfs), 0);
-  std::uint64_t Free = 0, Total = 0;
-  ASSERT_TRUE(GetDiskFreeSpaceExA(T.Path(), &Free, &Total, nullptr));
-  EXPECT_EQ(Total, static_cast<std::uint64_t>(Vfs.f_blocks) * Vfs.f_frsize);
-  EXPECT_LE(Free, Total);
-  EXPECT_FALSE(GetDiskFreeSpaceExA(T / "missing/deeper", &Free, nullptr, nullptr));
-  EXPECT_EQ(GetLastError(), ERROR_PATH_NOT_FOUND);
-}
-
 // Answers "not found" for one path, whatever is there.
 class HiddenPath : public EnvWrapper {
  public:
@@ -160,38 +150,29 @@ class HiddenPath : public EnvWrapper {
   std::string Path_;
 };
 
-TEST(Files, ExistsTellsFilesFromDirectoriesThroughLinks) {
+TEST(Files, ExistsTellsFilesFromDirectoriesThroughLinksAndWholeFilesReadBack) {
   TempDir T;
-  WriteText(T / "f", "abc");
-  ASSERT_EQ(symlink("f", (T / "to-file").c_str()), 0);
-  ASSERT_EQ(symlink(".", (T / "to-dir").c_str()), 0);
-  ASSERT_EQ(symlink("gone", (T / "dangling").c_str()), 0);
-  for (const std::string Name : {"f", "to-file", "dangling"}) {
-    EXPECT_TRUE(FileExists(T / Name)) << Name;
-    EXPECT_FALSE(DirectoryExists(T / Name)) << Name;
+  MakeTree(T.Path(), {"f=abc", "to-file -> f", "to-dir -> .", "dangling -> gone"});
+  const std::tuple<std::string, bool, bool> Cases[] = {
+      {"f", true, false}, {"to-file", true, false}, {"dangling", true, false}, {"to-dir", false, true},
+      {"", false, true},  {"g", false, false},      {"g/h", false, false},
+  };
+  for (const auto& [Name, File, Directory] : Cases) {
+    const std::string P = Name.empty() ? T.Path() : T / Name;
+    EXPECT_EQ(FileExists(P), File) << Name;
+    EXPECT_EQ(DirectoryExists(P), Directory) << Name;
   }
-  EXPECT_FALSE(FileExists(T / "to-dir"));
-  EXPECT_TRUE(DirectoryExists(T / "to-dir"));
-  EXPECT_FALSE(FileExists(T.Path()));
-  EXPECT_TRUE(DirectoryExists(T.Path()));
-  EXPECT_FALSE(FileExists(T / "g"));
-  EXPECT_FALSE(DirectoryExists(T / "g/h"));
   EXPECT_EQ(FileSizeOf(T / "f"), 3);
   EXPECT_EQ(FileSizeOf(T / "g"), -1);
+  std::string Back;
+  ASSERT_TRUE(ReadWholeFile(T / "f", Back));
+  EXPECT_EQ(Back, "abc");
+  EXPECT_FALSE(ReadWholeFile(T / "none", Back));
+  EXPECT_EQ(GetLastError(), ERROR_FILE_NOT_FOUND);
   // A replacement Env is asked, as for every other question about a file.
   HiddenPath Env(T / "f");
   ScopedEnv Installed(&Env);
   EXPECT_FALSE(FileExists(T / "f"));
-}
-
-TEST(Files, WholeFilesReadBack) {
-  TempDir T;
-  WriteText(T / "f", "contents");
-  std::string Back;
-  ASSERT_TRUE(ReadWholeFile(T / "f", Back));
-  EXPECT_EQ(Back, "contents");
-  EXPECT_FALSE(ReadWholeFile(T / "none", Back));
-  EXPECT_EQ(GetLastError(), ERROR_FILE_NOT_FOUND);
 }
 
 TEST(Files, AfterAStopLongOperationsFailAtOnceUntilResumed) {

@@ -1,17 +1,16 @@
+// File handles: reading, writing and seeking, and the opens that are refused
+// (attributes, missing paths, another handle's sharing mode) with the file kept.
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <unistd.h>
 
 #include "platform/files.h"
-#include "support/Files.h"
-#include "tests/support/TempDir.h"
+#include "support/TempDir.h"
 
 namespace zt::platform {
 namespace {
 
-using zt::testing::ReadText;
 using zt::testing::TempDir;
-using zt::testing::WriteText;
 
 TEST(FileHandles, ReadWriteSeekAndCreate) {
   TempDir T;
@@ -26,80 +25,68 @@ TEST(FileHandles, ReadWriteSeekAndCreate) {
   EXPECT_EQ(FileSeek(H, -20, 1), -1);
   EXPECT_EQ(GetLastError(), ERROR_NEGATIVE_SEEK);
   FileClose(H);
-  H = FileCreate(T / "f.bin");  // truncates
-  FileClose(H);
-  EXPECT_EQ(ReadText(T / "f.bin"), "");
+  FileClose(FileCreate(T / "f.bin"));  // truncates
+  EXPECT_EQ(T.Read("f.bin"), "");
 }
 
-TEST(FileHandles, OpenForWritingOrCreatingOverReadOnlyFileIsDenied) {
-  TempDir T;
-  WriteText(T / "ro.txt", "keep");
-  ASSERT_TRUE(SetFileAttributesA(T / "ro.txt", FILE_ATTRIBUTE_READONLY));
-  EXPECT_EQ(FileOpen(T / "ro.txt", fmOpenWrite | fmShareDenyNone), INVALID_HANDLE_VALUE);
-  EXPECT_EQ(GetLastError(), ERROR_ACCESS_DENIED);
-  EXPECT_EQ(FileOpen(T / "ro.txt", fmOpenReadWrite), INVALID_HANDLE_VALUE);
-  EXPECT_EQ(GetLastError(), ERROR_ACCESS_DENIED);
-  EXPECT_EQ(FileCreate(T / "ro.txt"), INVALID_HANDLE_VALUE);
-  EXPECT_EQ(GetLastError(), ERROR_ACCESS_DENIED);
-  EXPECT_EQ(FileSetDate(T / "ro.txt", FileAge(T / "ro.txt")), static_cast<int>(ERROR_ACCESS_DENIED));
-  EXPECT_EQ(ReadText(T / "ro.txt"), "keep");
-  THandle H = FileOpen(T / "ro.txt", fmOpenRead);
-  EXPECT_NE(H, INVALID_HANDLE_VALUE);
-  FileClose(H);
+enum Open { kRead, kWrite, kReadWrite, kDenyWriters, kCreate };
+
+THandle OpenAs(Open How, const std::string& Path) {
+  const int Modes[] = {fmOpenRead | fmShareDenyNone, fmOpenWrite, fmOpenReadWrite,
+                       fmOpenRead | fmShareDenyWrite};
+  return How == kCreate ? FileCreate(Path) : FileOpen(Path, Modes[How]);
 }
 
-TEST(FileHandles, CreatingOverHiddenFileIsDenied) {
+TEST(FileHandles, RefusedOpensSayWhyAndKeepTheFile) {
+  enum Holder { kNobody, kPosixWriter, kDenyingReader };
+  // clang-format off
+  const struct {
+    DWORD Attributes;
+    Holder By;  // another handle open on f.txt
+    Open How;
+    std::string Name;
+    DWORD Error;  // ERROR_SUCCESS for an open that succeeds
+  } Cases[] = {
+      {FILE_ATTRIBUTE_READONLY, kNobody, kWrite, "f.txt", ERROR_ACCESS_DENIED},
+      {FILE_ATTRIBUTE_READONLY, kNobody, kReadWrite, "f.txt", ERROR_ACCESS_DENIED},
+      {FILE_ATTRIBUTE_READONLY, kNobody, kCreate, "f.txt", ERROR_ACCESS_DENIED},
+      {FILE_ATTRIBUTE_READONLY, kNobody, kRead, "f.txt", ERROR_SUCCESS},
+      {FILE_ATTRIBUTE_HIDDEN, kNobody, kCreate, "f.txt", ERROR_ACCESS_DENIED},
+      {FILE_ATTRIBUTE_NORMAL, kNobody, kRead, "none", ERROR_FILE_NOT_FOUND},
+      {FILE_ATTRIBUTE_NORMAL, kNobody, kRead, "nodir/none", ERROR_PATH_NOT_FOUND},
+      {FILE_ATTRIBUTE_NORMAL, kNobody, kRead, "", ERROR_ACCESS_DENIED},  // the folder itself
+      // Denying writers is refused while another program writes; readers that allow writers are not.
+      {FILE_ATTRIBUTE_NORMAL, kPosixWriter, kDenyWriters, "f.txt", ERROR_SHARING_VIOLATION},
+      {FILE_ATTRIBUTE_NORMAL, kPosixWriter, kRead, "f.txt", ERROR_SUCCESS},
+      {FILE_ATTRIBUTE_NORMAL, kNobody, kDenyWriters, "f.txt", ERROR_SUCCESS},
+      {FILE_ATTRIBUTE_NORMAL, kDenyingReader, kWrite, "f.txt", ERROR_SHARING_VIOLATION},
+      {FILE_ATTRIBUTE_NORMAL, kDenyingReader, kCreate, "f.txt", ERROR_SHARING_VIOLATION},
+      {FILE_ATTRIBUTE_NORMAL, kDenyingReader, kRead, "f.txt", ERROR_SUCCESS},
+  };
+  // clang-format on
+  for (const auto& C : Cases) {
+    SCOPED_TRACE(std::to_string(&C - Cases) + " " + C.Name);
+    TempDir T;
+    const std::string File = T.Write("f.txt", "keep");
+    ASSERT_TRUE(SetFileAttributesA(File, C.Attributes));
+    const int Writer = C.By == kPosixWriter ? open(File.c_str(), O_WRONLY) : -1;
+    const THandle Reader = C.By == kDenyingReader ? OpenAs(kDenyWriters, File) : INVALID_HANDLE_VALUE;
+    const THandle H = OpenAs(C.How, C.Name.empty() ? T.Path() : T / C.Name);
+    EXPECT_EQ(H != INVALID_HANDLE_VALUE, C.Error == ERROR_SUCCESS);
+    if (H == INVALID_HANDLE_VALUE) {
+      EXPECT_EQ(GetLastError(), C.Error);
+    } else {
+      FileClose(H);
+    }
+    if (Writer >= 0) close(Writer);
+    if (Reader != INVALID_HANDLE_VALUE) FileClose(Reader);
+    EXPECT_EQ(T.Read("f.txt"), "keep");
+  }
+  // Nor are a read-only file's times changed.
   TempDir T;
-  WriteText(T / "h.txt", "keep");
-  ASSERT_TRUE(SetFileAttributesA(T / "h.txt", FILE_ATTRIBUTE_HIDDEN));
-  EXPECT_EQ(FileCreate(T / "h.txt"), INVALID_HANDLE_VALUE);
-  EXPECT_EQ(GetLastError(), ERROR_ACCESS_DENIED);
-  EXPECT_EQ(ReadText(T / "h.txt"), "keep");
-}
-
-TEST(FileHandles, MissingFileFolderAndDirectory) {
-  TempDir T;
-  EXPECT_EQ(FileOpen(T / "none", fmOpenRead), INVALID_HANDLE_VALUE);
-  EXPECT_EQ(GetLastError(), ERROR_FILE_NOT_FOUND);
-  EXPECT_EQ(FileOpen(T / "nodir/none", fmOpenRead), INVALID_HANDLE_VALUE);
-  EXPECT_EQ(GetLastError(), ERROR_PATH_NOT_FOUND);
-  EXPECT_EQ(FileOpen(T.Path(), fmOpenRead), INVALID_HANDLE_VALUE);
-  EXPECT_EQ(GetLastError(), ERROR_ACCESS_DENIED);
-}
-
-TEST(FileHandles, DenyWritersIsRefusedWhileAnotherHandleWrites) {
-  TempDir T;
-  WriteText(T / "f.txt", "data");
-  int Writer = open((T / "f.txt").c_str(), O_WRONLY);
-  ASSERT_GE(Writer, 0);
-  EXPECT_EQ(FileOpen(T / "f.txt", fmOpenRead | fmShareDenyWrite), INVALID_HANDLE_VALUE);
-  EXPECT_EQ(GetLastError(), ERROR_SHARING_VIOLATION);
-  // Readers that allow writers are not affected.
-  THandle Shared = FileOpen(T / "f.txt", fmOpenRead | fmShareDenyNone);
-  EXPECT_NE(Shared, INVALID_HANDLE_VALUE);
-  FileClose(Shared);
-  close(Writer);
-  THandle H = FileOpen(T / "f.txt", fmOpenRead | fmShareDenyWrite);
-  ASSERT_NE(H, INVALID_HANDLE_VALUE);
-  char Buffer[8] = {};
-  EXPECT_EQ(FileRead(H, Buffer, sizeof Buffer), 4);
-  FileClose(H);
-}
-
-TEST(FileHandles, WritersAreRefusedWhileADenyWritersHandleIsOpen) {
-  TempDir T;
-  WriteText(T / "f.txt", "data");
-  THandle Reader = FileOpen(T / "f.txt", fmOpenRead | fmShareDenyWrite);
-  ASSERT_NE(Reader, INVALID_HANDLE_VALUE);
-  EXPECT_EQ(FileOpen(T / "f.txt", fmOpenWrite), INVALID_HANDLE_VALUE);
-  EXPECT_EQ(GetLastError(), ERROR_SHARING_VIOLATION);
-  EXPECT_EQ(FileCreate(T / "f.txt"), INVALID_HANDLE_VALUE);
-  EXPECT_EQ(GetLastError(), ERROR_SHARING_VIOLATION);
-  FileClose(Reader);
-  EXPECT_EQ(ReadText(T / "f.txt"), "data");
-  THandle Writer = FileOpen(T / "f.txt", fmOpenWrite);
-  EXPECT_NE(Writer, INVALID_HANDLE_VALUE);
-  FileClose(Writer);
+  const std::string File = T.Write("ro.txt", "keep");
+  ASSERT_TRUE(SetFileAttributesA(File, FILE_ATTRIBUTE_READONLY));
+  EXPECT_EQ(FileSetDate(File, FileAge(File)), static_cast<int>(ERROR_ACCESS_DENIED));
 }
 
 }  // namespace
