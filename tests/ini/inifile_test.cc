@@ -52,7 +52,8 @@ TEST(IniRead, ReadStringRules) {
     const char* Rule;
     std::string File, Section, Key, Default, Expected;
   } Cases[] = {
-      {"blanks around names and value", "  [ Build ]  \r\n \t Version \t=  1.2 \t\r\n", " Build\t", "\tVersion ", "d", "1.2"},
+      {"blanks around names and value", "  [ Build ]  \r\n \t Version \t=  1.2 \t\r\n", " Build\t", "\tVersion ", "d",
+       "1.2"},
       {"first of duplicate sections", "[s]\r\nk=1\r\n[S]\r\nk=2\r\nj=3\r\n", "s", "k", "d", "1"},
       {"duplicate sections not merged", "[s]\r\nk=1\r\n[S]\r\nj=3\r\n", "s", "j", "d", "d"},
       {"first of duplicate keys", "[s]\nk=1\nK=2\n", "s", "k", "d", "1"},
@@ -147,6 +148,11 @@ TEST(IniWrite, WhatACallLeaves) {
   };
   const Call EraseB = [](TIniFile& I) { I.EraseSection(" B "); };
   const Call DeleteSA = [](TIniFile& I) { I.DeleteKey("S", "A"); };
+  const Call Typed = [](TIniFile& I) {
+    I.WriteInteger("s", "n", -42);
+    I.WriteBool("s", "t", true);
+    I.WriteBool("s", "f", false);
+  };
   // A surrogate alone in another line and a stray last byte survive a write.
   std::u16string Odd = u"\uFEFF[x]\r\nbad=";
   Odd += static_cast<char16_t>(0xD800);
@@ -163,9 +169,12 @@ TEST(IniWrite, WhatACallLeaves) {
        Write("s", "K", "new"), "; top\r\n[s]\r\nk=new\r\nj=1\r\n\r\n[t]\r\nk=x\r\n"},
       {"keeps spelling of names", "[Sec]\r\nKey=1\r\n", Write(" sec ", "KEY", "2"), "[Sec]\r\nKey=2\r\n"},
       {"first of duplicate keys", "[s]\r\nk=1\r\nk=2\r\n", Write("s", "k", "3"), "[s]\r\nk=3\r\nk=2\r\n"},
-      {"first of duplicate sections", "[s]\r\na=1\r\n[s]\r\nk=2\r\n", Write("s", "k", "3"), "[s]\r\na=1\r\nk=3\r\n[s]\r\nk=2\r\n"},
-      {"new key after last line", "[s]\r\na=1\r\n\r\n\r\n[t]\r\nb=1\r\n", Write("s", "b", "2"), "[s]\r\na=1\r\nb=2\r\n\r\n\r\n[t]\r\nb=1\r\n"},
-      {"new key after comment", "[s]\r\na=1\r\n; end\r\n\r\n[t]\r\n", Write("s", "b", "2"), "[s]\r\na=1\r\n; end\r\nb=2\r\n\r\n[t]\r\n"},
+      {"first of duplicate sections", "[s]\r\na=1\r\n[s]\r\nk=2\r\n", Write("s", "k", "3"),
+       "[s]\r\na=1\r\nk=3\r\n[s]\r\nk=2\r\n"},
+      {"new key after last line", "[s]\r\na=1\r\n\r\n\r\n[t]\r\nb=1\r\n", Write("s", "b", "2"),
+       "[s]\r\na=1\r\nb=2\r\n\r\n\r\n[t]\r\nb=1\r\n"},
+      {"new key after comment", "[s]\r\na=1\r\n; end\r\n\r\n[t]\r\n", Write("s", "b", "2"),
+       "[s]\r\na=1\r\n; end\r\nb=2\r\n\r\n[t]\r\n"},
       {"new key in empty section", "[s]\r\n[t]\r\n", Write("s", "b", "2"), "[s]\r\nb=2\r\n[t]\r\n"},
       {"new section appended", "[s]\r\na=1\r\n", Write(" t ", " b ", "2"), "[s]\r\na=1\r\n[t]\r\nb=2\r\n"},
       {"last line gets a break", "[s]\r\na=1", Write("s", "b", "2"), "[s]\r\na=1\r\nb=2\r\n"},
@@ -176,9 +185,9 @@ TEST(IniWrite, WhatACallLeaves) {
       {"empty value", "[s]\r\nk=1\r\n", Write("s", "k", ""), "[s]\r\nk=\r\n"},
       {"empty file", "", Write("s", "k", "v"), "[s]\r\nk=v\r\n"},
       {"missing file created", std::nullopt, Write("s", "k", "v"), "[s]\r\nk=v\r\n"},
-      {"integer and bools", "[s]\r\n", [](TIniFile& I) { I.WriteInteger("s", "n", -42); I.WriteBool("s", "t", true); I.WriteBool("s", "f", false); },
-       "[s]\r\nn=-42\r\nt=1\r\nf=0\r\n"},
-      {"erase section", "[a]\r\nx=1\r\n[b]\r\ny=2\r\n; c\r\n\r\n[c]\r\nz=3\r\n", EraseB, "[a]\r\nx=1\r\n[c]\r\nz=3\r\n"},
+      {"integer and bools", "[s]\r\n", Typed, "[s]\r\nn=-42\r\nt=1\r\nf=0\r\n"},
+      {"erase section", "[a]\r\nx=1\r\n[b]\r\ny=2\r\n; c\r\n\r\n[c]\r\nz=3\r\n", EraseB,
+       "[a]\r\nx=1\r\n[c]\r\nz=3\r\n"},
       {"erase first occurrence", "[b]\r\nx=1\r\n[B]\r\nx=2\r\n", EraseB, "[B]\r\nx=2\r\n"},
       {"erase missing section", "[a]\r\nx=1", EraseB, "[a]\r\nx=1"},
       {"erase in missing file", std::nullopt, EraseB, std::nullopt},
@@ -189,14 +198,17 @@ TEST(IniWrite, WhatACallLeaves) {
       // Written back in the encoding read.
       {"UTF-8 mark kept", kBom8 + "[s]\r\nk=1\r\n", Write("s", "j", "2"), kBom8 + "[s]\r\nk=1\r\nj=2\r\n"},
       {"UTF-8 mark alone", kBom8, Write("s", "k", "v"), kBom8 + "[s]\r\nk=v\r\n"},
-      {"bytes without a mark kept", "[s]\r\nname=M\xFCller\r\n", Write("s", "j", "2"), "[s]\r\nname=M\xFCller\r\nj=2\r\n"},
+      {"bytes without a mark kept", "[s]\r\nname=M\xFCller\r\n", Write("s", "j", "2"),
+       "[s]\r\nname=M\xFCller\r\nj=2\r\n"},
       {"UTF-16 LE", Utf16(u"\uFEFF[s]\r\nk=\U0001F600\r\n", false), Write("s", "j", kEAcute),
        Utf16(u"\uFEFF[s]\r\nk=\U0001F600\r\nj=\u00E9\r\n", false)},
-      {"UTF-16 BE new section", Utf16(u"\uFEFF[s]\r\n", true), Write("t", "k", "1"), Utf16(u"\uFEFF[s]\r\n[t]\r\nk=1\r\n", true)},
+      {"UTF-16 BE new section", Utf16(u"\uFEFF[s]\r\n", true), Write("t", "k", "1"),
+       Utf16(u"\uFEFF[s]\r\n[t]\r\nk=1\r\n", true)},
       {"UTF-16 mark alone", Utf16(u"\uFEFF", true), Write("s", "k", "v"), Utf16(u"\uFEFF[s]\r\nk=v\r\n", true)},
       {"UTF-16 odd units LE", Utf16(Odd, false) + "\x7F", Write("s", "k", "2"), Utf16(OddAfter, false) + "\x7F"},
       {"UTF-16 odd units BE", Utf16(Odd, true) + "\x7F", Write("s", "k", "2"), Utf16(OddAfter, true) + "\x7F"},
-      {"invalid UTF-8 into UTF-16", Utf16(u"\uFEFF[s]\r\n", false), Write("s", "k", "a\xFF"), Utf16(u"\uFEFF[s]\r\nk=a\uFFFD\r\n", false)},
+      {"invalid UTF-8 into UTF-16", Utf16(u"\uFEFF[s]\r\n", false), Write("s", "k", "a\xFF"),
+       Utf16(u"\uFEFF[s]\r\nk=a\uFFFD\r\n", false)},
   };
   // clang-format on
   for (const auto& C : Cases) {

@@ -39,7 +39,8 @@ TEST(CopyFile, WhatACopyLeavesAndTheErrorItReports) {
       {{"src=new", "dst=old"}, "src", "dst", COPY_FILE_FAIL_IF_EXISTS, ERROR_FILE_EXISTS, {"dst=old", "src=new"}},
       {{"src=new", "dst=old"}, "src", "dst", 0, ERROR_SUCCESS, {"dst=new [0x20]", "src=new"}},
       // A replaced target is a new file: another name of the old one keeps it.
-      {{"src=new", "dst=old", "link => dst"}, "src", "dst", 0, ERROR_SUCCESS, {"dst=new [0x20]", "link=old", "src=new"}},
+      {{"src=new", "dst=old", "link => dst"}, "src", "dst", 0, ERROR_SUCCESS,
+       {"dst=new [0x20]", "link=old", "src=new"}},
       {{"src=new", "ro=old [ro]"}, "src", "ro", 0, ERROR_ACCESS_DENIED, {"ro=old [ro]", "src=new"}},
       {{"src=new", "hid=old [0x2]"}, "src", "hid", 0, ERROR_ACCESS_DENIED, {"hid=old [0x2]", "src=new"}},
       {{"a=data"}, "a", "a", 0, ERROR_SHARING_VIOLATION, {"a=data"}},

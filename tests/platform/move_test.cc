@@ -36,7 +36,8 @@ TEST(MoveFile, WhatAMoveLeavesAndTheErrorItReports) {
       {{"a=a", "b=b"}, kWithProgress, "a", "b", kCopyAllowed, ERROR_ALREADY_EXISTS, {"a=a", "b=b"}},
       {{"a=a", "b=b"}, kMove, "a", "b", 0, ERROR_ALREADY_EXISTS, {"a=a", "b=b"}},
       {{"a=a", "b=b"}, kMoveEx, "a", "b", MOVEFILE_REPLACE_EXISTING, ERROR_SUCCESS, {"b=a"}},
-      {{"a=a", "b=b [ro]"}, kWithProgress, "a", "b", MOVEFILE_REPLACE_EXISTING, ERROR_ACCESS_DENIED, {"a=a", "b=b [ro]"}},
+      {{"a=a", "b=b [ro]"}, kWithProgress, "a", "b", MOVEFILE_REPLACE_EXISTING, ERROR_ACCESS_DENIED,
+       {"a=a", "b=b [ro]"}},
       // Letter case is a rename; a directory moves whole but is never replaced.
       {{"a.txt=a", "d/"}, kMove, "a.txt", "d/A.TXT", 0, ERROR_SUCCESS, {"d/A.TXT=a"}},
       {{"d/A.TXT=a"}, kMove, "d/A.TXT", "d/a.Txt", 0, ERROR_SUCCESS, {"d/a.Txt=a"}},

