@@ -1,5 +1,6 @@
 // Dates and times as Delphi keeps them: encoding, the codes of FormatDateTime,
-// packed file dates, ISO texts, and instants between file time, UTC and local time.
+// packed file dates, ISO texts, and instants between file time, UTC and Unix
+// time. Local time across daylight saving is read through zt (Get Date/Time).
 #include "platform/dates.h"
 
 #include <gtest/gtest.h>
@@ -110,25 +111,6 @@ TEST(Instants, ConvertBetweenFileTimesUtcAndUnixTime) {
   EXPECT_NEAR(NowUTC(), FileTimeToDateTime(UnixToFileTime(std::time(nullptr))), 2.0 / 86400);
   EXPECT_EQ(DateTimeToUnix(UnixToDateTime(1709633730)), 1709633730);  // through local time
   EXPECT_NEAR(Now(), UnixToDateTime(std::time(nullptr)), 2.0 / 86400);
-}
-
-TEST(Instants, LocalTimeFollowsTheRulesOfThatDate) {
-  const char* Old = std::getenv("TZ");
-  const std::string Saved = Old ? Old : "";
-  setenv("TZ", "CET-1CEST,M3.5.0,M10.5.0/3", 1);  // Central Europe, without tzdata
-  tzset();
-  // Winter (UTC+1) and summer (UTC+2) in one zone.
-  EXPECT_EQ(FormatDateTime("hh:nn", FileTimeToLocalDateTime(UnixToFileTime(1704103200))),
-            "11:00");  // 2024-01-01 10:00Z
-  EXPECT_EQ(FormatDateTime("hh:nn", FileTimeToLocalDateTime(UnixToFileTime(1719828000))),
-            "12:00");  // 2024-07-01 10:00Z
-  EXPECT_EQ(LocalDateTimeToFileTime(FileTimeToLocalDateTime(UnixToFileTime(1719828000, 5000000))),
-            UnixToFileTime(1719828000, 5000000));
-  if (Old)
-    setenv("TZ", Saved.c_str(), 1);
-  else
-    unsetenv("TZ");
-  tzset();
 }
 
 }  // namespace

@@ -1,0 +1,106 @@
+// Names and texts the layer splits: paths, wildcards as FindFirstFile matches
+// them, and parameter texts split as a POSIX shell splits words, without
+// expansion, with arguments quoted so that splitting gives them back.
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "platform/command_line.h"
+#include "platform/files.h"
+#include "platform/paths.h"
+
+namespace zt::platform {
+namespace {
+
+using Words = std::vector<std::string>;
+
+TEST(Paths, SplitsLikeDelphi) {
+  EXPECT_EQ(ExtractFilePath("/src/app/main.cpp"), "/src/app/");
+  EXPECT_EQ(ExtractFileDir("/src/app/main.cpp"), "/src/app");
+  EXPECT_EQ(ExtractFileName("/src/app/main.cpp"), "main.cpp");
+  EXPECT_EQ(ExtractFileExt("/src/app/main.cpp"), ".cpp");
+  EXPECT_EQ(ExtractFilePath("main.cpp"), "");
+  EXPECT_EQ(ExtractFileDir("/main.cpp"), "/");
+  EXPECT_EQ(ExtractFileExt("/src/v1.2/Makefile"), "");
+  EXPECT_EQ(ExtractFileExt("archive.tar.gz"), ".gz");
+}
+
+TEST(Paths, ChangesAndTrimsDelimitersAndExtensions) {
+  EXPECT_EQ(ChangeFileExt("/a.b/c.txt", ".bak"), "/a.b/c.bak");
+  EXPECT_EQ(ChangeFileExt("/a.b/c", ".bak"), "/a.b/c.bak");
+  EXPECT_EQ(IncludeTrailingPathDelimiter("/out"), "/out/");
+  EXPECT_EQ(IncludeTrailingPathDelimiter("/out/"), "/out/");
+  EXPECT_EQ(ExcludeTrailingPathDelimiter("/out/"), "/out");
+  EXPECT_EQ(ExcludeTrailingPathDelimiter("/out"), "/out");
+}
+
+TEST(Paths, BackslashIsTheDelimiterOnlyAfterNormalizing) {
+  EXPECT_EQ(PathDelim(), '/');
+  EXPECT_FALSE(IsPathDelimiter('\\'));
+  EXPECT_EQ(ExtractFileName("out\\a.txt"), "out\\a.txt");
+  EXPECT_EQ(NormalizeDelimiters("out\\sub\\a.txt"), "out/sub/a.txt");
+}
+
+TEST(Wildcard, MatchesAsFindFirstFileDoes) {
+  // clang-format off
+  const struct {
+    const char* Pattern;
+    const char* Name;
+    bool Matches;
+  } Cases[] = {
+      // "*" and "*.*" match every name, also names without a dot.
+      {"*", "readme", true}, {"*.*", "readme", true}, {"*.*", "a.b.c", true},
+      // "*.ext" needs that last extension.
+      {"*.txt", "a.txt", true}, {"*.txt", "a.txt.bak", false}, {"*.txt", "a.b.txt", true},
+      {"*.txt", "atxt", false}, {"*.txt", ".txt", true},
+      // "?" may match nothing before a dot or at the end, one character elsewhere.
+      {"a?.txt", "a.txt", true}, {"a?.txt", "ab.txt", true}, {"a?.txt", "abc.txt", false},
+      {"??????.txt", "abcdef.txt", true}, {"??????.txt", "abcdefg.txt", false},
+      {"a??", "a", true}, {"a??", "abc", true}, {"a??", "abcd", false}, {"a?c", "ac", false}, {"a?c", "abc", true},
+      // "*." only names without an extension; "name." is "name".
+      {"*.", "readme", true}, {"*.", "read.me", false}, {"abc.", "abc", true}, {"abc.", "abc.d", false},
+      // "name.*" also matches the bare name.
+      {"a.*", "a", true}, {"a.*", "a.x", true}, {"a.*", "ab", false},
+      // Stars inside names, exact names, and letter case as the platform's names.
+      {"b*d.log", "build.log", true}, {"b*d.log", "bd.log", true}, {"b*d.log", "build.txt", false},
+      {"setup.exe", "setup.exe", true}, {"setup.exe", "setup.ex", false}, {"*.TXT", "a.txt", false},
+      {"", "a", false},
+  };
+  // clang-format on
+  for (const auto& C : Cases)
+    EXPECT_EQ(MatchesWildcard(C.Name, C.Pattern), C.Matches) << "pattern " << C.Pattern << " name " << C.Name;
+}
+
+TEST(CommandLineTest, SplitsLikeAShellWithoutExpanding) {
+  const std::vector<std::pair<std::string, Words>> Cases = {
+      {"", {}},
+      {"  \t\n ", {}},
+      {"a  b\tc\nd", {"a", "b", "c", "d"}},
+      {"'a b' \"c d\"", {"a b", "c d"}},
+      {"x'a b'y\"c\"z", {"xa bycz"}},
+      {"'' \"\"", {"", ""}},
+      {"a\\ b \\'c \\\\", {"a b", "'c", "\\"}},
+      {"\"a\\\"b\\\\c\\$d\\`e\\nf\"", {"a\"b\\c$d`e\\nf"}},
+      {"'a\\b\"c'", {"a\\b\"c"}},
+      {"a\\\nb", {"ab"}},
+      {"$HOME ~ *.c `x` $(y)", {"$HOME", "~", "*.c", "`x`", "$(y)"}},
+      {"'unterminated text", {"unterminated text"}},
+      {"\"unterminated \\\" text", {"unterminated \" text"}},
+      {"trailing\\", {"trailing\\"}},
+  };
+  for (const auto& [Text, Expected] : Cases) EXPECT_EQ(SplitCommandLine(Text), Expected) << Text;
+}
+
+TEST(CommandLineTest, QuotedArgumentsSplitBackUnchanged) {
+  for (const std::string A : {"plain-word_1.txt", "", "a b", "it's", "\"q\"", "back\\slash", "$HOME",
+                              "tab\there", "line\nend", "*"}) {
+    EXPECT_EQ(SplitCommandLine(QuoteArgument(A)), Words{A}) << A;
+    EXPECT_EQ(SplitCommandLine("x " + QuoteArgument(A) + " y"), (Words{"x", A, "y"})) << A;
+  }
+  EXPECT_EQ(QuoteArgument("/usr/bin/a-b_c.d"), "/usr/bin/a-b_c.d");
+  EXPECT_EQ(QuoteArgument("out dir"), "'out dir'");
+}
+
+}  // namespace
+}  // namespace zt::platform
