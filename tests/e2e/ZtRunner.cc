@@ -151,13 +151,6 @@ std::vector<std::string> StatusDetails(const ZtResult& R, const std::string& Id)
   return Lines;
 }
 
-std::vector<std::string> StatusTexts(const ZtResult& R, const std::string& Id) {
-  std::vector<std::string> Texts;
-  for (const auto& E : R.Events)
-    if (IsEventOf(E, "status", Id)) Texts.push_back(E.value("text", ""));
-  return Texts;
-}
-
 nlohmann::json FinalVariables(const ZtResult& R) {
   for (const auto& E : R.Events)
     if (E.value("event", "") == "variables") return E["values"];

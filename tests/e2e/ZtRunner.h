@@ -32,8 +32,6 @@ ZtResult RunZtArgs(const std::string& Dir, const std::vector<std::string>& Args)
 
 // Detail lines of every `status` event of action Id, in order.
 std::vector<std::string> StatusDetails(const ZtResult& R, const std::string& Id);
-// The entries' own texts of the `status` events of action Id, in order.
-std::vector<std::string> StatusTexts(const ZtResult& R, const std::string& Id);
 // The `values` of the build's `variables` event (null when there is none).
 nlohmann::json FinalVariables(const ZtResult& R);
 // `message` texts of action Id (host lines included), in order.

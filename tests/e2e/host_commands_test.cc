@@ -1,8 +1,6 @@
 // zt validate, describe, actions and help, and the command line itself.
 #include <gtest/gtest.h>
 
-#include <algorithm>
-
 #include "ZtRunner.h"
 #include "support/TempDir.h"
 
@@ -20,29 +18,21 @@ actions:
       - action: Delete File(s)
 )";
 
-TEST(HostCommandsTest, ValidatePrintsOneLinePerErrorAndExitsOne) {
+TEST(HostCommandsTest, ValidatePrintsOneLinePerErrorOrTheCountAndExitsOneOrZero) {
   TempDir D;
   ZtResult R = RunZt(D.Path(), kTree, {}, "validate");
   EXPECT_EQ(R.ExitCode, 1) << R.Stderr;
-  std::string Lines = "\n" + R.Stdout;
-  EXPECT_NE(Lines.find("\n2 Delete File(s): File Spec: The file spec has not been set\n"), std::string::npos)
-      << Lines;
-  EXPECT_NE(Lines.find("\n3.2 Delete File(s): File Spec: The file spec has not been set\n"),
-            std::string::npos);
-}
-
-TEST(HostCommandsTest, ValidateOfAValidProjectExitsZero) {
-  TempDir D;
-  ZtResult R = RunZt(D.Path(), "actions:\n  - action: Delete File(s)\n    FileSpec: a\n", {}, "validate");
+  EXPECT_EQ(R.Stdout,
+            "2 Delete File(s): File Spec: The file spec has not been set\n"
+            "3 Parent: File Spec: File Spec has not been set\n"
+            "3.2 Delete File(s): File Spec: The file spec has not been set\n");
+  R = RunZt(D.Path(), "actions: [{action: Delete File(s), FileSpec: a}]\n", {}, "validate");
   EXPECT_EQ(R.ExitCode, 0);
   EXPECT_EQ(R.Stdout, "project.yml: 1 action, no errors\n");
-  R = RunZt(
-      D.Path(),
-      "actions:\n  - action: Touch File(s)\n    FileSpec: a\n  - action: Touch File(s)\n    FileSpec: b\n",
-      {}, "validate");
+  R = RunZt(D.Path(),
+            "actions: [{action: Touch File(s), FileSpec: a}, {action: Touch File(s), FileSpec: b}]\n", {},
+            "validate");
   EXPECT_EQ(R.Stdout, "project.yml: 2 actions, no errors\n");
-  R = RunZt(D.Path(), "actions:\n  - action: Nothing\n", {}, "validate");
-  EXPECT_EQ(R.ExitCode, 2);
 }
 
 TEST(HostCommandsTest, DescribePrintsTheTreeIndentedByDepth) {
@@ -65,25 +55,15 @@ TEST(HostCommandsTest, MisspeltCommandsAndActionsGetDidYouMean) {
   R = RunZtArgs(D.Path(), {"help", "Delete File"});
   EXPECT_EQ(R.ExitCode, 2);
   EXPECT_EQ(R.Stderr, "zt: unknown action \"Delete File\"; did you mean \"Delete File(s)\"?\n");
-  // The name that holds the word, not the nearest spelling (XCopy); one where it starts a word; a
-  // misspelt type not available yet.
+  // The name that holds the word, not the nearest spelling (XCopy); one where it starts a word.
   for (const auto& [Word, Meant] : {std::pair{"copy", "Copy File(s)"},
                                     {"crc", "Calculate File CRC32"},
-                                    {"Delete Directry", "Delete Directory"}}) {
+                                    {"Delete Directry", "Delete Directory"},
+                                    {"delete", "Delete Directory"},
+                                    {"text", "Text Replace (Deprecated)"}}) {
     R = RunZtArgs(D.Path(), {"help", Word});
     EXPECT_EQ(R.Stderr,
               "zt: unknown action \"" + std::string(Word) + "\"; did you mean \"" + Meant + "\"?\n");
-  }
-  // A type that runs, where one fits, before one not available yet.
-  std::string Available = RunZtArgs(D.Path(), {"actions", "--available"}).Stdout;
-  for (const char* Word : {"delete", "move", "text"}) {
-    std::string Err = RunZtArgs(D.Path(), {"help", Word}).Stderr;
-    std::size_t Start = Err.find("did you mean \"");
-    ASSERT_NE(Start, std::string::npos) << Err;
-    Start += 14;
-    EXPECT_NE(Available.find("  " + Err.substr(Start, Err.find('"', Start) - Start) + "  "),
-              std::string::npos)
-        << Err;
   }
 }
 

@@ -1,9 +1,8 @@
 // zt run through the real binary: exit codes, the JSON log, --var, host
 // settings and load errors.
-#include <filesystem>
-#include <fstream>
-
 #include <gtest/gtest.h>
+
+#include <filesystem>
 
 #include "ZtRunner.h"
 #include "support/Files.h"
@@ -14,60 +13,47 @@ namespace {
 
 namespace fs = std::filesystem;
 
-TEST(HostRunTest, SuccessfulBuildDeletesFilesAndExitsZero) {
+// --var overrides the project's value and adds a typed one.
+TEST(HostRunTest, SuccessfulBuildWithVarsDeletesFilesAndExitsZero) {
   TempDir D;
-  fs::create_directory(D / "sub");
-  WriteText(D / "sub/a.txt");
-  WriteText(D / "sub/b.log");
+  MakeTree(D.Path(), {"sub/a.txt", "sub/b.log", "keep/a.txt"});
   ZtResult R = RunZt(D.Path(), R"(
 name: Clean
 variables:
-  DIR: sub
+  DIR: keep
 actions:
   - action: Delete File(s)
     FileSpec: "%DIR%/*.txt"
-)");
+)",
+                     {"--var", "DIR=sub", "--var", "N=5"});
   EXPECT_EQ(R.ExitCode, 0) << R.Stderr;
-  EXPECT_FALSE(fs::exists(D / "sub/a.txt"));
-  EXPECT_TRUE(fs::exists(D / "sub/b.log"));
-  EXPECT_EQ(StatusDetails(R, "1"), (std::vector<std::string>{"Deleting files : sub/*.txt", "1 Files Deleted."}));
-  EXPECT_EQ(ActionResult(R, "1"), "success");
+  EXPECT_EQ(Tree(D / "sub"), (std::vector<std::string>{"b.log"}));
+  EXPECT_TRUE(fs::exists(D / "keep/a.txt"));
+  EXPECT_EQ(StatusDetails(R, "1"),
+            (std::vector<std::string>{"Deleting files : sub/*.txt", "1 Files Deleted."}));
   ASSERT_EQ(R.Events.size(), 6u);
   EXPECT_EQ(R.Events[0]["project"], "Clean");
   R.Events[1].erase("t_ms");
   EXPECT_EQ(R.Events[1], nlohmann::json::parse(R"j({"event":"action-start","id":"1","title":"Delete File(s)",
       "class":"TDeleteFilesAction","description":"Delete File(s) [ %DIR%/*.txt ]","file":"project.yml","line":6})j"));
-  EXPECT_EQ(R.Events[4]["values"], nlohmann::json::parse(R"({"DIR":"sub"})"));
+  EXPECT_EQ(R.Events[3]["result"], "success");
+  EXPECT_EQ(R.Events[4]["values"], nlohmann::json::parse(R"({"DIR":"sub","N":5})"));
   EXPECT_EQ(R.Events[5]["result"], "success");
   EXPECT_NE(R.Stdout.find("Build succeeded: 1 action in "), std::string::npos) << R.Stdout;
-}
-
-TEST(HostRunTest, VarOnTheCommandLineOverridesTheProjectValue) {
-  TempDir D;
-  fs::create_directory(D / "keep");
-  fs::create_directory(D / "other");
-  WriteText(D / "keep/a.txt");
-  WriteText(D / "other/a.txt");
-  ZtResult R = RunZt(D.Path(), "variables:\n  DIR: keep\nactions:\n  - action: Delete File(s)\n    FileSpec: \"%DIR%/*.txt\"\n",
-                     {"--var", "DIR=other", "--var", "N=5"});
-  EXPECT_EQ(R.ExitCode, 0) << R.Stderr;
-  EXPECT_TRUE(fs::exists(D / "keep/a.txt"));
-  EXPECT_FALSE(fs::exists(D / "other/a.txt"));
-  EXPECT_EQ(R.Events[R.Events.size() - 2]["values"], nlohmann::json::parse(R"({"DIR":"other","N":5})"));
 }
 
 // The JSON log on standard output, with the fields CI tools read; the console
 // log moves to standard error and ends where a reader looks for the reason.
 TEST(HostRunTest, JsonLogOnStandardOutputCarriesTimesLinesAndTheFailedAction) {
   TempDir D;
-  std::ofstream(D / "project.yml") << R"(name: Fields
+  WriteText(D / "project.yml", R"(name: Fields
 actions:
   - action: Create Directory
     FileOrDirectory: out
   - action: Create Directory
     title: "Make: the dir, now"
     FileOrDirectory: missing/dir
-)";
+)");
   ZtResult R = RunZtArgs(D.Path(), {"run", "project.yml", "--log-json", "-", "--annotations", "github"});
   EXPECT_EQ(R.ExitCode, 1) << R.Stderr;
   std::vector<nlohmann::json> Events;
@@ -91,18 +77,18 @@ actions:
   EXPECT_EQ(Events[4]["line"], 5);
   EXPECT_EQ(Events[8]["failed"], "2");
   // GitHub's escapes: ':' and ',' only in the title, which is a property.
-  EXPECT_NE(R.Stderr.find("\nproject.yml:5: [2] Make: the dir, now: Unable to Create directory : missing/dir\n"
-                          "::error file=project.yml,line=5,title=[2] Make%3A the dir%2C now::Unable to Create "
-                          "directory : missing/dir\n"),
-            std::string::npos)
+  EXPECT_NE(
+      R.Stderr.find("\nproject.yml:5: [2] Make: the dir, now: Unable to Create directory : missing/dir\n"
+                    "::error file=project.yml,line=5,title=[2] Make%3A the dir%2C now::Unable to Create "
+                    "directory : missing/dir\n"),
+      std::string::npos)
       << R.Stderr;
 }
 
 TEST(HostRunTest, RunsInTheProjectFolderWhereverStarted) {
   TempDir D;
-  fs::create_directories(D / "proj/sub");
-  WriteText(D / "proj/sub/a.txt");
-  std::ofstream(D / "proj/project.yml") << "actions:\n  - action: Delete File(s)\n    FileSpec: sub/a.txt\n";
+  MakeTree(D.Path(),
+           {"proj/sub/a.txt", "proj/project.yml=actions: [{action: Delete File(s), FileSpec: sub/a.txt}]\n"});
   ZtResult R = RunZtArgs(D.Path(), {"run", "proj/project.yml", "--quiet"});
   EXPECT_EQ(R.ExitCode, 0) << R.Stderr;
   EXPECT_FALSE(fs::exists(D / "proj/sub/a.txt"));
@@ -111,37 +97,28 @@ TEST(HostRunTest, RunsInTheProjectFolderWhereverStarted) {
 
 TEST(HostRunTest, IgnoredFailureGoesOnDisabledIsSkippedAndFailureStops) {
   TempDir D;
-  WriteText(D / "a.txt");
-  WriteText(D / "b.txt");
-  ZtResult R = RunZt(D.Path(), R"(
-actions:
-  - action: Delete File(s)
-    FileSpec: missing/*.txt
-    ignoreFailure: true
-  - action: Delete File(s)
-    FileSpec: a.txt
-    enabled: false
-  - action: Delete File(s)
-    title: Must fail
-    FileSpec: nothing-here.txt
-  - action: Delete File(s)
-    FileSpec: b.txt
+  MakeTree(D.Path(), {"a.txt", "b.txt"});
+  ZtResult R = RunZt(D.Path(), R"(actions:
+  - {action: Delete File(s), FileSpec: missing/*.txt, ignoreFailure: true}
+  - {action: Delete File(s), FileSpec: a.txt, enabled: false}
+  - {action: Delete File(s), title: Must fail, FileSpec: nothing-here.txt}
+  - {action: Delete File(s), FileSpec: b.txt}
 )");
   EXPECT_EQ(R.ExitCode, 1);
-  EXPECT_EQ(ActionResult(R, "1"), "ignored");
-  EXPECT_EQ(ActionResult(R, "2"), "skipped");
-  EXPECT_EQ(ActionResult(R, "3"), "failure");
-  EXPECT_EQ(ActionResult(R, "4"), "");
+  std::vector<std::string> Results;
+  for (const char* Id : {"1", "2", "3", "4"}) Results.push_back(ActionResult(R, Id));
+  EXPECT_EQ(Results, (std::vector<std::string>{"ignored", "skipped", "failure", ""}));
   EXPECT_TRUE(fs::exists(D / "a.txt"));
   EXPECT_TRUE(fs::exists(D / "b.txt"));
   EXPECT_EQ(R.Events.back()["result"], "failure");
-  EXPECT_NE(R.Stdout.find("\nBuild FAILED: 3 actions (1 ignored, 1 skipped) in "), std::string::npos) << R.Stdout;
+  EXPECT_NE(R.Stdout.find("\nBuild FAILED: 3 actions (1 ignored, 1 skipped) in "), std::string::npos)
+      << R.Stdout;
 }
 
 // A build log that is lost is a failed run: one line says so, whatever the build did.
 TEST(HostRunTest, JsonLogThatCannotBeWrittenExitsOneWithOneLine) {
   TempDir D;
-  std::ofstream(D / "project.yml") << "actions:\n  - action: Create Directory\n    FileOrDirectory: made\n";
+  WriteText(D / "project.yml", "actions: [{action: Create Directory, FileOrDirectory: made}]\n");
   ZtResult R = RunZtArgs(D.Path(), {"run", "project.yml", "--log-json", "/dev/full", "--quiet"});
   EXPECT_EQ(R.ExitCode, 1);
   EXPECT_EQ(R.Stderr, "zt: cannot write the JSON log /dev/full: No space left on device\n");

@@ -1,14 +1,13 @@
 // How zt runs loop actions: the passes and their events, nested loops, a
 // failing child, the quiet console, and a stop in mid-loop.
+#include <gtest/gtest.h>
 #include <signal.h>
 
-#include <fstream>
 #include <string>
 #include <vector>
 
-#include <gtest/gtest.h>
-
 #include "ZtRunner.h"
+#include "support/Files.h"
 #include "support/TempDir.h"
 
 namespace zt::testing {
@@ -31,17 +30,10 @@ Lines Trace(const ZtResult& R) {
 
 TEST(LoopRunnerE2E, NestedLoopRunsAfreshInEveryPassWithTheSameIds) {
   TempDir D;
-  ZtResult R = RunZt(D.Path(), R"(
-actions:
-  - action: List Iterator
-    ZTVariable: O
-    ListOfItems: [a, b]
-    actions:
-      - action: List Iterator
-        ZTVariable: I
-        ListOfItems: ["%O%1", "%O%2"]
-        actions:
-          - {action: Delete File(s), FileSpec: "%I%.tmp", enabled: false}
+  ZtResult R = RunZt(D.Path(), R"(actions:
+  - {action: List Iterator, ZTVariable: O, ListOfItems: [a, b],
+     actions: [{action: List Iterator, ZTVariable: I, ListOfItems: ["%O%1", "%O%2"],
+                actions: [{action: Delete File(s), FileSpec: "%I%.tmp", enabled: false}]}]}
 )");
   EXPECT_EQ(R.ExitCode, 0) << R.Stderr;
   EXPECT_EQ(Trace(R),
@@ -59,32 +51,16 @@ actions:
 
 TEST(LoopRunnerE2E, FailedChildEndsTheLoopUnlessItsFailureIsIgnored) {
   TempDir D;
-  std::ofstream(D / "a.txt") << "a";
-  std::ofstream(D / "c.txt") << "c";
-  ZtResult R = RunZt(D.Path(), R"(
-filesets:
-  Texts:
-    base: .
-    include: ["*.txt"]
+  MakeTree(D.Path(), {"a.txt", "c.txt"});
+  ZtResult R = RunZt(D.Path(), R"(filesets: {Texts: {base: ., include: ["*.txt"]}}
 actions:
-  - action: File Iterator
-    UseFileSet: true
-    FileSetName: Texts
-    FileSetRefreshBefore: false
-    FileSetRefreshAfterEach: true
-    ignoreFailure: true
-    actions:
-      - {action: Check if File Exists, FileOrDirectory: missing.txt}
-  - action: List Iterator
-    ZTVariable: I
-    ListOfItems: [a, b, c]
-    actions:
-      - {action: Check if File Exists, FileOrDirectory: "%I%.txt", ignoreFailure: true}
-  - action: List Iterator
-    ZTVariable: I
-    ListOfItems: [a, b, c]
-    actions:
-      - {action: Check if File Exists, FileOrDirectory: "%I%.txt"}
+  - {action: File Iterator, UseFileSet: true, FileSetName: Texts, FileSetRefreshBefore: false,
+     FileSetRefreshAfterEach: true, ignoreFailure: true,
+     actions: [{action: Check if File Exists, FileOrDirectory: missing.txt}]}
+  - {action: List Iterator, ZTVariable: I, ListOfItems: [a, b, c],
+     actions: [{action: Check if File Exists, FileOrDirectory: "%I%.txt", ignoreFailure: true}]}
+  - {action: List Iterator, ZTVariable: I, ListOfItems: [a, b, c],
+     actions: [{action: Check if File Exists, FileOrDirectory: "%I%.txt"}]}
 )");
   EXPECT_EQ(R.ExitCode, 1);
   // No refresh after the failed pass, but the loop still ends its list.
@@ -99,23 +75,17 @@ actions:
   EXPECT_EQ(Passes(R, "3"), (Lines{"1/3=a", "2/3=b"}));
   EXPECT_EQ(ActionResult(R, "3"), "failure");
   EXPECT_EQ(R.Events.back()["result"], "failure");
+  EXPECT_EQ(R.Events.back()["failed"], "3.1");
 }
 
 TEST(LoopRunnerE2E, QuietConsoleShowsEachFailedChildUnderItsOwnPasses) {
   TempDir D;
-  for (const char* Name : {"x.txt", "x2.txt", "y1.txt", "y2.txt"}) std::ofstream(D / Name) << "";
-  std::ofstream(D / "project.yml") << R"(actions:
-  - action: List Iterator
-    ZTVariable: A
-    ListOfItems: [x, y]
-    actions:
-      - action: List Iterator
-        ZTVariable: B
-        ListOfItems: [1, 2]
-        actions:
-          - {action: Check if File Exists, FileOrDirectory: "%A%%B%.txt", ignoreFailure: true}
-      - {action: Check if File Exists, FileOrDirectory: "%A%.txt", ignoreFailure: true}
-)";
+  MakeTree(D.Path(), {"x.txt", "x2.txt", "y1.txt", "y2.txt", R"(project.yml=actions:
+  - {action: List Iterator, ZTVariable: A, ListOfItems: [x, y],
+     actions: [{action: List Iterator, ZTVariable: B, ListOfItems: [1, 2],
+                actions: [{action: Check if File Exists, FileOrDirectory: "%A%%B%.txt", ignoreFailure: true}]},
+               {action: Check if File Exists, FileOrDirectory: "%A%.txt", ignoreFailure: true}]}
+)"});
   ZtResult R = RunZtArgs(D.Path(), {"run", "project.yml", "--quiet"});
   EXPECT_EQ(R.ExitCode, 0) << R.Stderr;
   // Only x1.txt and y.txt are missing; the inner loop's later passes stay out.
@@ -133,17 +103,12 @@ TEST(LoopRunnerE2E, QuietConsoleShowsEachFailedChildUnderItsOwnPasses) {
 TEST(LoopRunnerE2E, StopEndsTheLoopBeforeItsNextPass) {
   TempDir D;
   const int Count = 50000;
-  {
-    std::ofstream Lines(D / "lines.txt");
-    for (int I = 0; I < Count; ++I) Lines << "line " << I << "\n";
-  }
-  ZtResult R = RunZtAndSignal(D.Path(), R"(
-actions:
-  - action: File Contents Iterator
-    ZTVariable: L
-    TextFileName: lines.txt
-    actions:
-      - {action: Delete File(s), FileSpec: "%L%.tmp", FailIfNoFile: false}
+  std::string Text;
+  for (int I = 0; I < Count; ++I) Text += "line " + std::to_string(I) + "\n";
+  WriteText(D / "lines.txt", Text);
+  ZtResult R = RunZtAndSignal(D.Path(), R"(actions:
+  - {action: File Contents Iterator, ZTVariable: L, TextFileName: lines.txt,
+     actions: [{action: Delete File(s), FileSpec: "%L%.tmp", FailIfNoFile: false}]}
 )",
                               "\"iteration\"", SIGINT);
   ASSERT_EQ(R.ExitCode, 130) << R.Stderr;

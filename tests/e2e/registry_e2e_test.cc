@@ -105,12 +105,11 @@ TEST(RegistryEndToEnd, FailedReadsAndWritesSayWhyAndChangeNothing) {
   EXPECT_EQ(Messages(R, "1"), Lines{"Variable : NEW is not defined"});
   EXPECT_EQ(Messages(R, "2"), Lines{"Invalid data type for 'Name'"});
   EXPECT_EQ(Messages(R, "3"), Lines{"Failed to get data for 'Missing'"});
-  EXPECT_EQ(StatusTexts(R, "4"), Lines{"Key does not exist : Software\\%V%\\Nowhere"});
-  EXPECT_EQ(StatusTexts(R, "5"),
-            Lines{"Error Expanding String property : Variable \"NOWHERE\" is not defined"});
+  EXPECT_EQ(Said(R, "4"), Lines{"Key does not exist : Software\\%V%\\Nowhere"});
+  EXPECT_EQ(Said(R, "5"), Lines{"Error Expanding String property : Variable \"NOWHERE\" is not defined"});
   EXPECT_EQ(Messages(R, "6"), Lines{"Error expanding Value : 'abc' is not a valid integer value"});
   EXPECT_EQ(Messages(R, "7"), Lines{"Error expanding Value : 'maybe' is not a valid boolean value"});
-  EXPECT_EQ(StatusTexts(R, "8"), Lines{"Key does not exist : Software\\Acme\\New"});
+  EXPECT_EQ(Said(R, "8"), Lines{"Key does not exist : Software\\Acme\\New"});
   for (const char* Id : {"1", "2", "3", "4", "5", "6", "7", "8"})
     EXPECT_EQ(ActionResult(R, Id), "ignored") << Id;
   // A missing string value reads as empty text.
@@ -129,14 +128,14 @@ TEST(RegistryEndToEnd, DeletesValuesAndKeysWithoutSubKeys) {
             Step(Delete, Acme, "    RegValueName: zz\n") + Step(Delete, Acme, "    DeleteKey: true\n") +
             Step(Delete, Leaf, "    DeleteKey: true\n") + Step(Delete, Leaf, "    DeleteKey: true\n"));
   EXPECT_EQ(R.ExitCode, 0) << R.Stderr;
-  EXPECT_EQ(StatusTexts(R, "1"), Lines{"Deleted Value a"});
+  EXPECT_EQ(Said(R, "1"), Lines{"Deleted Value a"});
   EXPECT_EQ(ActionResult(R, "1"), "success");
-  EXPECT_EQ(StatusTexts(R, "2"), Lines{"Error Deleting Value zz - Value does not exist"});
+  EXPECT_EQ(Said(R, "2"), Lines{"Error Deleting Value zz - Value does not exist"});
   EXPECT_EQ(Messages(R, "3"),
             (Lines{"Deleting key Software\\Acme...", "This key contains subkeys. Cannot delete."}));
   EXPECT_EQ(Messages(R, "4"), (Lines{"Deleting key Software\\Acme\\Leaf...", "Key deleted"}));
   EXPECT_EQ(ActionResult(R, "4"), "success");
-  EXPECT_EQ(StatusTexts(R, "5"), Lines{"Key does not exist : Software\\Acme\\Leaf"});
+  EXPECT_EQ(Said(R, "5"), Lines{"Key does not exist : Software\\Acme\\Leaf"});
   const std::string After = R"({
   "HKEY_CURRENT_USER\\Software\\Acme": {
     "Name": {"type": "REG_SZ", "data": "Acme Tool"}
@@ -150,7 +149,7 @@ TEST(RegistryEndToEnd, DeletesValuesAndKeysWithoutSubKeys) {
   R = T.Run("name: Refused\nactions:\n" + Step(Delete, Acme, "    RegValueName: Name\n") +
             Step(Delete, Acme, "    DeleteKey: true\n") +
             Step("Set Registry Value", Acme, "    RegValueName: Name\n"));
-  EXPECT_EQ(StatusTexts(R, "1"), Lines{"Error Deleting Value Name : Access is denied"});
+  EXPECT_EQ(Said(R, "1"), Lines{"Error Deleting Value Name : Access is denied"});
   EXPECT_EQ(Messages(R, "2"),
             (Lines{"Deleting key Software\\Acme...", "Failed to delete key. Access is denied"}));
   EXPECT_EQ(Messages(R, "3"), Lines{"Failed to set data for 'Name'"});

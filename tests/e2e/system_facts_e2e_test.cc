@@ -2,6 +2,7 @@
 // variables they store, summer time, offsets, the build's start, and the
 // failures they report.
 #include <fcntl.h>
+#include <gtest/gtest.h>
 #include <stdlib.h>
 #include <sys/stat.h>
 #include <sys/statvfs.h>
@@ -11,8 +12,6 @@
 #include <string>
 #include <vector>
 
-#include <gtest/gtest.h>
-
 #include "ZtRunner.h"
 #include "support/TempDir.h"
 
@@ -21,21 +20,6 @@ namespace {
 
 using Lines = std::vector<std::string>;
 
-// Sets an environment variable for one scope; zt inherits it.
-class ScopedEnv {
- public:
-  ScopedEnv(const char* Name, const char* Value) : Name_(Name) {
-    if (const char* Old = getenv(Name)) Old_ = Old, Had_ = true;
-    setenv(Name, Value, 1);
-  }
-  ~ScopedEnv() { Had_ ? setenv(Name_, Old_.c_str(), 1) : unsetenv(Name_); }
-
- private:
-  const char* Name_;
-  std::string Old_;
-  bool Had_ = false;
-};
-
 void SetWriteTime(const std::string& Path, std::time_t Seconds) {
   const struct timespec Times[2] = {{Seconds, 0}, {Seconds, 0}};
   ASSERT_EQ(utimensat(AT_FDCWD, Path.c_str(), Times, 0), 0);
@@ -43,11 +27,11 @@ void SetWriteTime(const std::string& Path, std::time_t Seconds) {
 
 TEST(DateTimeEndToEnd, FormatsTheChosenInstantWithItsOffsets) {
   TempDir D;
-  SetWriteTime(D.Write("jan31.txt", "x"), 1706702400);   // 2024-01-31 12:00:00 UTC
+  SetWriteTime(D.Write("jan31.txt", "x"), 1706702400);       // 2024-01-31 12:00:00 UTC
   SetWriteTime(D.Write("before-dst.txt", "x"), 1711796400);  // 2024-03-30 11:00 UTC = 12:00 CET
-  SetWriteTime(D.Write("midnight.txt", "x"), 1709593200);  // 2024-03-04 23:00 UTC = 03-05 00:00 CET
-  ScopedEnv Zone("TZ", "Europe/Berlin");
-  ScopedEnv Epoch("SOURCE_DATE_EPOCH", "1700000000");  // 2023-11-14 22:13:20 UTC
+  SetWriteTime(D.Write("midnight.txt", "x"), 1709593200);    // 2024-03-04 23:00 UTC = 03-05 00:00 CET
+  setenv("TZ", "Europe/Berlin", 1);                          // zt inherits both
+  setenv("SOURCE_DATE_EPOCH", "1700000000", 1);              // 2023-11-14 22:13:20 UTC
   const struct {
     std::string Properties, Text;
     long long Unix;
@@ -56,7 +40,8 @@ TEST(DateTimeEndToEnd, FormatsTheChosenInstantWithItsOffsets) {
       {"FileName: jan31.txt\n    Format: \"ddd d mmm yy, hh:mm\"", "Wed 31 Jan 24, 13:00", 1706702400},
       // One day on keeps the wall-clock time across the change to summer time.
       {"FileName: before-dst.txt\n    OffsetDays: 1", "2024-03-31 12:00:00", 1711879200},
-      {"FileName: before-dst.txt\n    OffsetHours: -12\n    OffsetMinutes: 30", "2024-03-30 00:30:00", 1711755000},
+      {"FileName: before-dst.txt\n    OffsetHours: -12\n    OffsetMinutes: 30", "2024-03-30 00:30:00",
+       1711755000},
       {"FileName: midnight.txt\n    Format: \"c|h:nn AM/PM|a/p\"", "03/05/2024|12:00 AM|a", 1709593200},
       {"FileName: midnight.txt\n    Format: '''yyyy'' \"dd\" yyyy'", "yyyy dd 2024", 1709593200},
       {"DateSource: dsBuildStart\n    UseUTC: true\n    Format: \"yyyy-mm-dd'T'hh:nn:ss.zzz\"",
@@ -69,10 +54,13 @@ TEST(DateTimeEndToEnd, FormatsTheChosenInstantWithItsOffsets) {
             (P.rfind("FileName", 0) == 0 ? "DateSource: dsFileDate\n    " : "") + P + "\n";
   }
   ZtResult R = RunZt(D.Path(), Yaml);
+  unsetenv("TZ");
+  unsetenv("SOURCE_DATE_EPOCH");
   ASSERT_EQ(R.ExitCode, 0) << R.Stderr << R.Stdout;
   const auto Vars = FinalVariables(R);
   for (std::size_t I = 0; I < std::size(Cases); ++I) {
-    EXPECT_EQ(Messages(R, std::to_string(I + 1)), (Lines{"Date/Time : " + Cases[I].Text})) << Cases[I].Properties;
+    EXPECT_EQ(Messages(R, std::to_string(I + 1)), (Lines{"Date/Time : " + Cases[I].Text}))
+        << Cases[I].Properties;
     EXPECT_EQ(Vars["UNIX" + std::to_string(I)], Cases[I].Unix) << Cases[I].Properties;
   }
 }
@@ -89,8 +77,9 @@ TEST(DateTimeEndToEnd, AMissingFileOrADateBeyondYear9999Fails) {
   EXPECT_FALSE(FinalVariables(R).contains("T"));
 
   R = RunZt(D.Path(), "actions:\n  - action: Get Date/Time\n    DateSource: dsFileDate\n", {}, "validate");
-  EXPECT_EQ(R.Stdout, "1 Get Date/Time: Variable: The variable has not been set\n"
-                      "1 Get Date/Time: File Name: Filename has not been set\n");
+  EXPECT_EQ(R.Stdout,
+            "1 Get Date/Time: Variable: The variable has not been set\n"
+            "1 Get Date/Time: File Name: Filename has not been set\n");
 }
 
 TEST(DiskFreeSpaceEndToEnd, StoresTheVolumesSpaceInTheUnitAndChecksTheMinimum) {
