@@ -16,20 +16,28 @@ namespace {
 
 using nlohmann::json;
 
-// Runs Feed against a console log in memory and returns what it printed.
+// What Write writes to a stream in memory; Write closes the stream (a JSON
+// log closes its own).
 template <class Fn>
-std::string Printed(ConsoleOptions Options, Fn&& Feed) {
+std::string Written(Fn&& Write) {
   char* Buf = nullptr;
   size_t Size = 0;
-  std::FILE* Out = open_memstream(&Buf, &Size);
-  {
-    ConsoleLog Log(Out, Options);
-    Feed(Log);
-  }
-  std::fclose(Out);
+  Write(open_memstream(&Buf, &Size));
   std::string Text(Buf, Size);
   free(Buf);
   return Text;
+}
+
+// Runs Feed against a console log in memory and returns what it printed.
+template <class Fn>
+std::string Printed(ConsoleOptions Options, Fn&& Feed) {
+  return Written([&](std::FILE* Out) {
+    {
+      ConsoleLog Log(Out, Options);
+      Feed(Log);
+    }
+    std::fclose(Out);
+  });
 }
 
 TEST(ConsoleLogTest, HeadingsResultsAndTheLineThatPointsAtTheFailure) {
@@ -91,23 +99,14 @@ TEST(JsonLogTest, ValuesKeepTheirTypesAndBadUtf8IsReplaced) {
   EXPECT_EQ(JsonValue(std::int64_t{5}), json(5));
   EXPECT_EQ(JsonValue("x"), json("x"));
   EXPECT_EQ(JsonValue(frame::TZTVariant()), json(nullptr));
-  char* Buf = nullptr;
-  size_t Size = 0;
-  {
-    JsonLog Log(open_memstream(&Buf, &Size));
-    Log.Message("2.1", "caf\xe9", false);
-  }
-  EXPECT_EQ(std::string(Buf, Size),
+  EXPECT_EQ(Written([](std::FILE* Out) { JsonLog(Out).Message("2.1", "caf\xe9", false); }),
             "{\"event\":\"message\",\"id\":\"2.1\",\"t_ms\":0,\"text\":\"caf\xef\xbf\xbd\"}\n");
-  free(Buf);
 }
 
 TEST(BuildLogTest, ProgressThatOnlyCountsOnIsCoalesced) {
-  char* Buf = nullptr;
-  size_t Size = 0;
-  {
+  std::istringstream In(Written([](std::FILE* Out) {
     BuildLog Log;
-    Log.AddSink(std::make_unique<JsonLog>(open_memstream(&Buf, &Size)));
+    Log.AddSink(std::make_unique<JsonLog>(Out));
     Log.Progress("1", "Found 0 matches", 10);
     Log.Progress("1", "Found 1 matches", 10);
     Log.Progress("1", "Found 2 matches", 10);
@@ -116,18 +115,16 @@ TEST(BuildLogTest, ProgressThatOnlyCountsOnIsCoalesced) {
     Log.Progress("1", "Found 4 matches", 20);
     Log.Progress("1", "Copying 4 files", 20);
     Log.Progress("2", "Copying 4 files", 20);
-  }
-  std::vector<std::string> Written;
-  std::istringstream In(std::string(Buf, Size));
+  }));
+  std::vector<std::string> Lines;
   for (std::string Line; std::getline(In, Line);) {
     json E = json::parse(Line);
-    Written.push_back(E["id"].get<std::string>() + " " + E.value("text", "") + " " +
-                      (E.contains("percent") ? std::to_string(E["percent"].get<int>()) : ""));
+    Lines.push_back(E["id"].get<std::string>() + " " + E.value("text", "") + " " +
+                    (E.contains("percent") ? std::to_string(E["percent"].get<int>()) : ""));
   }
-  free(Buf);
-  EXPECT_EQ(Written, (std::vector<std::string>{"1 Found 0 matches 10", "1 Found 2 matches 10", "1 between ",
-                                               "1 Found 4 matches 20", "1 Copying 4 files 20",
-                                               "2 Copying 4 files 20"}));
+  EXPECT_EQ(Lines, (std::vector<std::string>{"1 Found 0 matches 10", "1 Found 2 matches 10", "1 between ",
+                                             "1 Found 4 matches 20", "1 Copying 4 files 20",
+                                             "2 Copying 4 files 20"}));
 }
 
 }  // namespace
