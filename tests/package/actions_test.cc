@@ -368,11 +368,9 @@ TEST(Registration, RegisterBeforeServicesAreSetDoesNothing) {
 }
 
 TEST(Registration, ATypeNotAvailableYetFailsWithOneLine) {
-  FakeHost Host;
-  package::TStandIn A;
-  A.SetHost(&Host);
-  EXPECT_FALSE(A.Execute());
-  EXPECT_EQ(Host.Messages, std::vector<std::string>{"Stand-in is not available yet"});
+  Faulty<package::TStandIn> T;
+  EXPECT_FALSE(T.Action.Execute());
+  EXPECT_EQ(T.Host.Messages, Lines{"Stand-in is not available yet"});
   EXPECT_FALSE(package::TStandIn::ClassType().IsAvailable());
 }
 

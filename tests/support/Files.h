@@ -59,9 +59,9 @@ inline std::vector<std::string> ListNames(const std::string& Dir) {
 // A folder's files as lines "path=contents" ("path" alone when the contents
 // are "x"), sorted, paths relative to the folder; an empty folder is "path/".
 // A read-only file ends in " [ro]", a file with stored DOS attributes in
-// " [0x..]" (the layer's stored value, as
-// "0x24" for system and archive); a link is "path -> target". MakeTree makes
-// the files its lines name, and "path => other" as a second name of other.
+// " [0x..]" (the layer's stored value, as "0x24" for system and archive); a
+// link is "path -> target". MakeTree makes the files its lines name, and
+// "path => other" as a second name of other.
 inline std::vector<std::string> Tree(const std::string& Dir) {
   namespace fs = std::filesystem;
   std::vector<std::string> Lines;
