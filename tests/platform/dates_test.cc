@@ -86,12 +86,12 @@ TEST(Dates, CalendarDaysSinceTheEpochAndPackedFileDates) {
 
 TEST(Dates, IsoTextRoundTrips) {
   TDateTime D;
-  ASSERT_TRUE(TryParseIsoDateTime("2024-03-05T10:15:00", D));
-  EXPECT_EQ(FormatIsoDateTime(D), "2024-03-05T10:15:00");
-  ASSERT_TRUE(TryParseIsoDateTime("2024-03-05", D));
-  EXPECT_EQ(D, EncodeDate(2024, 3, 5));
-  ASSERT_TRUE(TryParseIsoDateTime("2024-03-05 10:15", D));
-  EXPECT_EQ(FormatIsoDateTime(D), "2024-03-05T10:15:00");
+  for (const auto& [Text, Back] : {std::pair{"2024-03-05T10:15:00", "2024-03-05T10:15:00"},
+                                   {"2024-03-05", "2024-03-05T00:00:00"},
+                                   {"2024-03-05 10:15", "2024-03-05T10:15:00"}}) {
+    ASSERT_TRUE(TryParseIsoDateTime(Text, D)) << Text;
+    EXPECT_EQ(FormatIsoDateTime(D), Back);
+  }
   for (const char* Bad :
        {"", "2024-3-5", "2024-02-30", "2024-03-05T25:00:00", "2024-03-05T10:15:00Z", "yesterday"})
     EXPECT_FALSE(TryParseIsoDateTime(Bad, D)) << Bad;

@@ -29,7 +29,6 @@ class StoreTest : public ::testing::Test {
  protected:
   void SetUp() override { setenv("ZT_REGISTRY", Store.c_str(), 1); }
   void TearDown() override { unsetenv("ZT_REGISTRY"); }
-  void WriteStore(const std::string& Text) { testing::WriteText(Store, Text); }
 
   TempDir Dir;
   std::string Store = Dir / "registry.json";
@@ -89,7 +88,7 @@ TEST_F(StoreTest, CorruptStoreIsNamedWithItsPlaceAndNeverWritten) {
   // clang-format on
   for (const auto& C : Cases) {
     SCOPED_TRACE(C.Text);
-    WriteStore(C.Text);
+    testing::WriteText(Store, C.Text);
     TRegistry R;
     try {
       R.OpenKey("Software\\New", true);
@@ -150,7 +149,7 @@ class DiskFullEnv : public EnvWrapper {
 TEST_F(StoreTest, FailedWriteLeavesTheStoreAsItWas) {
   const std::string Text =
       "{\n  \"HKEY_CURRENT_USER\\\\A\": {\n    \"n\": {\"type\": \"REG_SZ\", \"data\": \"old\"}\n  }\n}\n";
-  WriteStore(Text);
+  testing::WriteText(Store, Text);
   HKEY Key = 0;
   ASSERT_EQ(RegOpenKeyExA(HKEY_CURRENT_USER, "a", KEY_ALL_ACCESS, Key), ERROR_SUCCESS);
   {

@@ -231,7 +231,6 @@ TEST_F(TextFindTest, CountRulesFailOrStoreTheCount) {
     Lines Messages;
   } Cases[] = {
       {tfDontFail, 1, "y", true, {"No matches were found."}},
-      {tfFailOnLess, 1, "y", false, {"No matches were found.", "Failing due to insufficient matches."}},
       {tfFailOnLess, 2, "x x", true, {"Found 2 matches."}},
       {tfFailOnMore, 1, "x x", false, {"Found 2 matches.", "Failing due to too many matches."}},
       {tfFailOnMore, 1, "x", true, {"Found 1 match."}},

@@ -1,12 +1,17 @@
-// Names and texts the layer splits: paths, wildcards as FindFirstFile matches
-// them, and parameter texts split as a POSIX shell splits words, without
-// expansion, with arguments quoted so that splitting gives them back.
+// Names and texts the layer splits and gives: paths, wildcards as
+// FindFirstFile matches them, parameter texts split as a POSIX shell splits
+// words, without expansion, with arguments quoted so that splitting gives them
+// back; the Windows error codes it reports, the texts users read for them, the
+// errno values they come from, and the last error of each thread.
+#include <errno.h>
 #include <gtest/gtest.h>
 
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "platform/command_line.h"
+#include "platform/errors.h"
 #include "platform/files.h"
 #include "platform/paths.h"
 
@@ -94,6 +99,47 @@ TEST(CommandLineTest, QuotedArgumentsSplitBackUnchanged) {
   }
   EXPECT_EQ(QuoteArgument("/usr/bin/a-b_c.d"), "/usr/bin/a-b_c.d");
   EXPECT_EQ(QuoteArgument("out dir"), "'out dir'");
+}
+
+// Texts read in the end-to-end logs or the robocopy retries are not repeated here.
+TEST(Errors, MessagesAreWindowsTextsWithoutTheFullStop) {
+  // clang-format off
+  const std::pair<DWORD, const char*> Texts[] = {
+      {0, "The operation completed successfully"},
+      {3, "The system cannot find the path specified"},
+      {50, "The request is not supported"},
+      {80, "The file exists"},
+      {87, "The parameter is incorrect"},
+      {123, "The filename, directory name, or volume label syntax is incorrect"},
+      {206, "The filename or extension is too long"},
+      {1223, "The operation was canceled by the user"},
+      {1235, "The request was aborted"},
+      {0xDEAD, "Unknown error (0xdead)"},
+  };
+  // clang-format on
+  for (const auto& [Code, Text] : Texts) EXPECT_EQ(SysErrorMessage(Code), Text) << Code;
+}
+
+TEST(Errors, ErrnoMapsAsWineMapsIt) {
+  // clang-format off
+  const std::pair<int, DWORD> Map[] = {
+      {ENOENT, ERROR_FILE_NOT_FOUND},      {ENOTDIR, ERROR_PATH_NOT_FOUND},  {EACCES, ERROR_ACCESS_DENIED},
+      {EPERM, ERROR_ACCESS_DENIED},        {EROFS, ERROR_ACCESS_DENIED},     {EEXIST, ERROR_ALREADY_EXISTS},
+      {ENOSPC, ERROR_DISK_FULL},           {EBUSY, ERROR_BUSY},              {ENOTEMPTY, ERROR_DIR_NOT_EMPTY},
+      {EXDEV, ERROR_NOT_SAME_DEVICE},      {EINVAL, ERROR_INVALID_PARAMETER}, {EMFILE, ERROR_TOO_MANY_OPEN_FILES},
+      {EBADF, ERROR_INVALID_HANDLE},       {ENOMEM, ERROR_NOT_ENOUGH_MEMORY}, {EAGAIN, ERROR_SHARING_VIOLATION},
+      {EIO, ERROR_NOT_READY},              {ENAMETOOLONG, ERROR_FILENAME_EXCED_RANGE},
+  };
+  // clang-format on
+  for (const auto& [Errno, Code] : Map) EXPECT_EQ(ErrnoToWindowsError(Errno), Code) << Errno;
+}
+
+TEST(Errors, LastErrorIsPerThread) {
+  SetLastError(ERROR_ACCESS_DENIED);
+  DWORD Seen = 1;
+  std::thread([&] { Seen = GetLastError(); }).join();
+  EXPECT_EQ(Seen, ERROR_SUCCESS);
+  EXPECT_EQ(GetLastError(), ERROR_ACCESS_DENIED);
 }
 
 }  // namespace
