@@ -23,8 +23,6 @@ TEST(DeleteFilesEndToEnd, DeleteRules) {
            {"Deleting files : out/*.tmp", "2 Files Deleted."}, "success", {"out/keep.txt"}},
           {Delete + "FileSpec: '  %OUT%/*.tmp '", {"out/a.tmp"}, {"Deleting files : out/*.tmp", "1 Files Deleted."},
            "success", {"out/"}},
-          {Delete + "FileSpec: one.txt", {"one.txt", "two.txt"}, {"Deleting files : one.txt", "1 Files Deleted."},
-           "success", {"two.txt"}},
           // Hidden files go; directories and system files stay.
           {Delete + "FileSpec: '*.txt'", {".hidden.txt", "plain.txt", "sub.txt/inner.txt", "sys.txt [0x4]"},
            {"Deleting files : *.txt", "2 Files Deleted."}, "success", {"sub.txt/inner.txt", "sys.txt [0x4]"}},
@@ -65,16 +63,6 @@ TEST(DeleteFilesEndToEnd, FirstReadOnlyFileStopsTheBuild) {
                                  " --> Access is denied", std::to_string(Deleted) + " Files Deleted."}));
   EXPECT_EQ(ActionResult(R, "1"), "failure");
   EXPECT_EQ(ActionResult(R, "2"), "");  // the build stopped before it
-}
-
-TEST(DeleteFilesEndToEnd, ValidateAndDescribeShowTheSpecAsWritten) {
-  TempDir Dir;
-  ZtResult R =
-      RunZt(Dir.Path(), "actions:\n  - {action: Delete File(s), title: Clean output}\n", {}, "validate");
-  EXPECT_EQ(R.ExitCode, 1);
-  EXPECT_EQ(R.Stdout, "1 Clean output: File Spec: The file spec has not been set\n");
-  R = RunZt(Dir.Path(), "actions:\n  - {action: Delete File(s), FileSpec: '%OUT%/*.obj'}\n", {}, "describe");
-  EXPECT_EQ(R.Stdout, "Delete File(s) [ %OUT%/*.obj ]\n");
 }
 
 }  // namespace

@@ -2,16 +2,16 @@
 // through zt: the log entry, the trees left on disk, and the guards that keep
 // a careless path from deleting the root, the home directory or the tree
 // being moved.
-#include <sys/stat.h>
+#include <gtest/gtest.h>
 #include <stdlib.h>
+#include <sys/stat.h>
 
 #include <filesystem>
 #include <string>
 #include <vector>
 
-#include <gtest/gtest.h>
-
 #include "ZtRunner.h"
+#include "support/Files.h"
 #include "support/TempDir.h"
 
 namespace zt::testing {
@@ -20,45 +20,56 @@ namespace {
 namespace fs = std::filesystem;
 using Lines = std::vector<std::string>;
 
-void MakeReadOnly(const std::string& Path) {
-  fs::permissions(Path, fs::perms::owner_write | fs::perms::group_write | fs::perms::others_write,
-                  fs::perm_options::remove);
-}
-
-// out/ with a nested tree, read-only entries, a link to a directory outside
+// out/ with a nested tree, a read-only file, a link to a directory outside
 // and a dangling link.
-void MakeTree(const TempDir& Dir) {
-  fs::create_directories(Dir / "out/sub/deep");
-  fs::create_directories(Dir / "outside");
-  Dir.Write("outside/keep.txt", "keep");
-  Dir.Write("out/a.txt", "a");
-  Dir.Write("out/sub/deep/b.txt", "b");
-  MakeReadOnly(Dir / "out/sub/deep/b.txt");
-  MakeReadOnly(Dir / "out/sub/deep");
-  fs::create_directory_symlink("../../outside", Dir / "out/sub/link");
-  fs::create_symlink("/no/such/file", Dir / "out/dangling");
+const Lines kOut = {"out/a.txt=a", "out/sub/deep/b.txt=b [ro]", "out/sub/link -> ../../outside",
+                    "out/dangling -> /no/such/file", "outside/keep.txt=keep"};
+
+// kOut with a read-only directory too.
+void MakeOut(const TempDir& Dir) {
+  MakeTree(Dir.Path(), kOut);
+  chmod((Dir / "out/sub/deep").c_str(), 0555);
 }
 
 TEST(DeleteDirectoryEndToEnd, DeletesTheTreeButNeverWhatALinkLeadsTo) {
   TempDir Dir;
-  MakeTree(Dir);
-  ZtResult R = RunZt(Dir.Path(), R"(name: Clean
-actions:
-  - {action: Delete Directory, FileOrDirectory: out/}
-  - {action: Delete Directory, FileOrDirectory: out}
-)");
+  MakeOut(Dir);
+  ZtResult R = RunZt(Dir.Path(), "actions:\n  - {action: Delete Directory, FileOrDirectory: out/}\n");
   EXPECT_EQ(R.ExitCode, 0) << R.Stderr;
   // Files: a.txt, b.txt, the dangling link; directories: deep, the link, sub, out.
-  EXPECT_EQ(StatusDetails(R, "1"), (Lines{"Deleting directory : out", "3 Files Deleted.", "4 Directories Deleted."}));
-  EXPECT_EQ(StatusDetails(R, "2"), (Lines{"Deleting directory : out", "Directory does not exist : out"}));
-  EXPECT_FALSE(fs::exists(Dir / "out"));
-  EXPECT_EQ(Dir.Read("outside/keep.txt"), "keep");
+  EXPECT_EQ(StatusDetails(R, "1"),
+            (Lines{"Deleting directory : out", "3 Files Deleted.", "4 Directories Deleted."}));
+  EXPECT_EQ(ListNames(Dir.Path()), (Lines{"log.jsonl", "outside", "project.yml"}));
+  EXPECT_EQ(Tree(Dir / "outside"), Lines{"keep.txt=keep"});
+}
+
+TEST(DeleteDirectoryEndToEnd, FailuresStopAndSayWhy) {
+  const std::string Delete = "action: Delete Directory, FileOrDirectory: ";
+  const std::string Failed = " --> Error Deleting Directory : ";
+  const Lines None = {"0 Files Deleted.", "0 Directories Deleted."};
+  const Lines Missing = {"Deleting directory : missing", "Directory does not exist : missing"};
+  // clang-format off
+  ExpectCases({
+      {Delete + "out/a.txt", kOut,
+       {"Deleting directory : out/a.txt", Failed + "out/a.txt", " --> The directory name is invalid", None[0],
+        None[1]},
+       "failure", kOut},
+      {Delete + "out, DeleteTree: false", kOut,
+       {"Deleting directory : out", Failed + "out", " --> The directory is not empty", None[0], None[1]}, "failure",
+       kOut},
+      {Delete + "out/sub/deep, DeleteReadOnly: false", kOut,
+       {"Deleting directory : out/sub/deep", " --> Error Deleting File : out/sub/deep/b.txt", " --> Access is denied",
+        None[0], None[1]},
+       "failure", kOut},
+      {Delete + "missing, FailIfMissing: true", {}, Missing, "failure", {}},
+      {Delete + "missing", {}, Missing, "success", {}},
+  });
+  // clang-format on
 }
 
 TEST(DeleteDirectoryEndToEnd, RefusesTheRootAndTheHomeDirectoryHoweverSpelt) {
   TempDir Dir;
-  fs::create_directories(Dir / "home/user");
-  Dir.Write("home/user/precious.txt", "mine");
+  MakeTree(Dir.Path(), {"home/user/precious.txt=mine"});
   fs::create_directory_symlink("/", Dir / "rootlink");
   const std::string OldHome = getenv("HOME") ? getenv("HOME") : "";
   setenv("HOME", (Dir / "home/user").c_str(), 1);
@@ -77,43 +88,15 @@ TEST(DeleteDirectoryEndToEnd, RefusesTheRootAndTheHomeDirectoryHoweverSpelt) {
       {"home/user/../user/", "home/user/../user", "DeleteTree: true"},
   };
   for (const Case& C : Cases) {
-    ZtResult R = RunZt(Dir.Path(), "name: Clean\nvariables:\n  EMPTY: \"\"\nactions:\n"
-                                   "  - action: Delete Directory\n    FileOrDirectory: \"" +
-                                       C.Path + "\"\n    DeleteReadOnly: false\n    " + C.Options + "\n");
+    ZtResult R = RunZt(Dir.Path(),
+                       "variables: {EMPTY: ''}\nactions:\n  - {action: Delete Directory, FileOrDirectory: '" +
+                           C.Path + "', DeleteReadOnly: false, " + C.Options + "}\n");
     EXPECT_EQ(R.ExitCode, 1) << C.Path;
     EXPECT_EQ(Messages(R, "1"), Lines{"Refusing to delete : " + C.Shown}) << C.Path;
     EXPECT_TRUE(StatusDetails(R, "1").empty()) << C.Path;
   }
   setenv("HOME", OldHome.c_str(), 1);
   EXPECT_EQ(Dir.Read("home/user/precious.txt"), "mine");
-}
-
-TEST(DeleteDirectoryEndToEnd, FailuresStopAndSayWhy) {
-  struct Case {
-    std::string Options;
-    Lines Details;
-  };
-  const std::vector<Case> Cases = {
-      {"FileOrDirectory: out/a.txt",
-       {"Deleting directory : out/a.txt", " --> Error Deleting Directory : out/a.txt",
-        " --> The directory name is invalid", "0 Files Deleted.", "0 Directories Deleted."}},
-      {"FileOrDirectory: out\n    DeleteTree: false",
-       {"Deleting directory : out", " --> Error Deleting Directory : out", " --> The directory is not empty",
-        "0 Files Deleted.", "0 Directories Deleted."}},
-      {"FileOrDirectory: out/sub/deep\n    DeleteReadOnly: false",
-       {"Deleting directory : out/sub/deep", " --> Error Deleting File : out/sub/deep/b.txt", " --> Access is denied",
-        "0 Files Deleted.", "0 Directories Deleted."}},
-      {"FileOrDirectory: missing\n    FailIfMissing: true",
-       {"Deleting directory : missing", "Directory does not exist : missing"}},
-  };
-  for (const Case& C : Cases) {
-    TempDir Dir;
-    MakeTree(Dir);
-    ZtResult R = RunZt(Dir.Path(), "name: Clean\nactions:\n  - action: Delete Directory\n    " + C.Options + "\n");
-    EXPECT_EQ(R.ExitCode, 1) << C.Options;
-    EXPECT_EQ(StatusDetails(R, "1"), C.Details) << C.Options;
-    EXPECT_TRUE(fs::exists(Dir / "out/a.txt")) << C.Options;
-  }
 }
 
 // The device a path lies on.
@@ -127,26 +110,28 @@ TEST(MoveDirectoryEndToEnd, MovesWithinAndAcrossFileSystemsKeepingAttributesAndT
   TempDir Other("/dev/shm");
   if (Other.Path().empty() || DeviceOf(Other.Path()) == DeviceOf(Dir.Path()))
     GTEST_SKIP() << "no second file system at /dev/shm";
-  MakeTree(Dir);
+  MakeOut(Dir);
   fs::remove(Dir / "out/dangling");  // a copy cannot follow it (see the next test)
   const auto Stamp = fs::file_time_type::clock::now() - std::chrono::hours(24 * 400);
   fs::last_write_time(Dir / "out/sub/deep", Stamp);
-  ZtResult R = RunZt(Dir.Path(), "name: Move\nactions:\n"
-                                 "  - action: Move Directory\n    FileOrDirectory: out\n    Target: staged\n"
-                                 "  - action: Move Directory\n    FileOrDirectory: staged\n    Target: " +
-                                     Other.Path() + "\n    MoveInto: true\n");
+  ZtResult R = RunZt(Dir.Path(),
+                     "actions:\n  - {action: Move Directory, FileOrDirectory: out, Target: staged}\n"
+                     "  - {action: Move Directory, FileOrDirectory: staged, MoveInto: true, Target: " +
+                         Other.Path() + "}\n");
   ASSERT_EQ(R.ExitCode, 0) << R.Stderr;
   EXPECT_EQ(StatusDetails(R, "1"), (Lines{"Moving directory : out -> staged", "Directory Moved."}));
   const std::string Moved = Other / "staged";
-  EXPECT_EQ(StatusDetails(R, "2"), (Lines{"Moving directory : staged -> " + Moved,
-                                          "Moving across volumes : copying and deleting", "Directory Moved."}));
+  EXPECT_EQ(StatusDetails(R, "2"),
+            (Lines{"Moving directory : staged -> " + Moved, "Moving across volumes : copying and deleting",
+                   "Directory Moved."}));
   EXPECT_FALSE(fs::exists(Dir / "staged"));
   EXPECT_EQ(Dir.Read("outside/keep.txt"), "keep");  // the link was copied through, not emptied
   EXPECT_EQ(Other.Read("staged/sub/link/keep.txt"), "keep");
   EXPECT_EQ(Other.Read("staged/sub/deep/b.txt"), "b");
   EXPECT_EQ(fs::status(Moved + "/sub/deep/b.txt").permissions() & fs::perms::owner_write, fs::perms::none);
   EXPECT_EQ(fs::status(Moved + "/sub/deep").permissions() & fs::perms::owner_write, fs::perms::none);
-  EXPECT_EQ(std::chrono::duration_cast<std::chrono::seconds>(fs::last_write_time(Moved + "/sub/deep") - Stamp).count(),
+  EXPECT_EQ(std::chrono::duration_cast<std::chrono::seconds>(fs::last_write_time(Moved + "/sub/deep") - Stamp)
+                .count(),
             0);
 }
 
@@ -155,14 +140,15 @@ TEST(MoveDirectoryEndToEnd, AFailedCopyAcrossFileSystemsKeepsTheSourceWhole) {
   TempDir Other("/dev/shm");
   if (Other.Path().empty() || DeviceOf(Other.Path()) == DeviceOf(Dir.Path()))
     GTEST_SKIP() << "no second file system at /dev/shm";
-  MakeTree(Dir);
+  MakeOut(Dir);
   fs::remove(Dir / "out/dangling");
   ASSERT_EQ(mkfifo((Dir / "out/sub/pipe").c_str(), 0644), 0);  // no copy can read it
-  ZtResult R = RunZt(Dir.Path(), "name: Move\nactions:\n  - action: Move Directory\n    FileOrDirectory: out\n"
-                                 "    Target: " + Other.Path() + "/out\n");
+  ZtResult R = RunZt(Dir.Path(), "actions:\n  - {action: Move Directory, FileOrDirectory: out, Target: " +
+                                     Other.Path() + "/out}\n");
   EXPECT_EQ(R.ExitCode, 1);
   EXPECT_EQ(StatusDetails(R, "1"),
-            (Lines{"Moving directory : out -> " + Other.Path() + "/out", "Moving across volumes : copying and deleting",
+            (Lines{"Moving directory : out -> " + Other.Path() + "/out",
+                   "Moving across volumes : copying and deleting",
                    " --> Error Moving Directory : out -> " + Other.Path() + "/out",
                    " --> Error Copying File : out/sub/pipe", " --> Access is denied"}));
   EXPECT_FALSE(fs::exists(Other / "out"));
@@ -171,119 +157,84 @@ TEST(MoveDirectoryEndToEnd, AFailedCopyAcrossFileSystemsKeepsTheSourceWhole) {
 }
 
 TEST(MoveDirectoryEndToEnd, RefusesWhatWouldLoseData) {
+  Lines Before = kOut;
+  Before.push_back("outside/back -> ../out/sub");
   struct Case {
     std::string Src, Dst, Options, Reason;
   };
+  const std::string Inside = " --> The destination is inside the directory being moved";
   const std::vector<Case> Cases = {
-      {"out", "out/sub/inner", "", " --> The destination is inside the directory being moved"},
-      {"out", "outside/back/new", "", " --> The destination is inside the directory being moved"},
+      {"out", "out/sub/inner", "", Inside},
+      {"out", "outside/back/new", "", Inside},
       {"out", "outside", "", " --> Cannot create a file when that file already exists"},
-      {"out/sub", "out", "ReplaceExisting: true", " --> The directory being moved is inside the destination"},
+      {"out/sub", "out", ", ReplaceExisting: true",
+       " --> The directory being moved is inside the destination"},
       {"out/a.txt", "moved", "", " --> The directory name is invalid"},
       {"missing", "moved", "", " --> The system cannot find the file specified"},
       {"out", "no/parent", "", " --> The system cannot find the path specified"},
   };
-  for (const Case& C : Cases) {
-    TempDir Dir;
-    MakeTree(Dir);
-    fs::create_directory_symlink("../out/sub", Dir / "outside/back");
-    ZtResult R = RunZt(Dir.Path(), "name: Move\nactions:\n  - action: Move Directory\n    FileOrDirectory: " + C.Src +
-                                       "\n    Target: " + C.Dst + "\n    " + C.Options + "\n");
-    EXPECT_EQ(R.ExitCode, 1) << C.Dst;
-    EXPECT_EQ(StatusDetails(R, "1"), (Lines{"Moving directory : " + C.Src + " -> " + C.Dst,
-                                            " --> Error Moving Directory : " + C.Src + " -> " + C.Dst, C.Reason}))
-        << C.Dst;
-    EXPECT_EQ(Dir.Read("out/sub/deep/b.txt"), "b") << C.Dst;
-    EXPECT_EQ(Dir.Read("outside/keep.txt"), "keep") << C.Dst;
-  }
+  std::vector<ActionCase> Rows;
+  for (const Case& C : Cases)
+    Rows.push_back({"action: Move Directory, FileOrDirectory: " + C.Src + ", Target: " + C.Dst + C.Options,
+                    Before,
+                    {"Moving directory : " + C.Src + " -> " + C.Dst,
+                     " --> Error Moving Directory : " + C.Src + " -> " + C.Dst, C.Reason},
+                    "failure",
+                    Before});
+  ExpectCases(Rows);
 }
 
 TEST(MoveDirectoryEndToEnd, ReplacesAnExistingDirectoryOnlyWhenAsked) {
   TempDir Dir;
-  MakeTree(Dir);
-  fs::create_directories(Dir / "dist/old");
-  Dir.Write("dist/old/stale.txt", "stale");
-  MakeReadOnly(Dir / "dist/old/stale.txt");
-  ZtResult R = RunZt(Dir.Path(), R"(name: Move
-actions:
+  MakeOut(Dir);
+  MakeTree(Dir.Path(), {"dist/old/stale.txt=stale [ro]"});
+  ZtResult R = RunZt(Dir.Path(), R"(actions:
   - {action: Move Directory, FileOrDirectory: out/sub/, Target: dist/old, ReplaceExisting: true}
   - {action: Move Directory, FileOrDirectory: dist/old, Target: new/parents/here, Force: true}
 )");
   EXPECT_EQ(R.ExitCode, 0) << R.Stderr;
   EXPECT_EQ(StatusDetails(R, "1"), (Lines{"Moving directory : out/sub -> dist/old",
                                           "Replacing existing directory : dist/old", "Directory Moved."}));
-  EXPECT_EQ(Dir.Read("new/parents/here/deep/b.txt"), "b");
-  EXPECT_FALSE(fs::exists(Dir / "new/parents/here/stale.txt"));
-  EXPECT_EQ(Dir.Read("outside/keep.txt"), "keep");
-  Lines Left;
-  for (const auto& E : fs::directory_iterator(Dir / "dist")) Left.push_back(E.path().filename());
-  EXPECT_TRUE(Left.empty());  // nothing set aside is left behind
+  EXPECT_EQ(Tree(Dir / "new"),
+            (Lines{"parents/here/deep/b.txt=b [ro]", "parents/here/link -> ../../outside"}));
+  EXPECT_EQ(Tree(Dir / "outside"), Lines{"keep.txt=keep"});
+  EXPECT_EQ(ListNames(Dir / "dist"), Lines{});  // nothing set aside is left behind
 }
 
 TEST(RenameEndToEnd, RenamesInPlaceOrSaysWhyNot) {
-  struct Case {
-    std::string Path, NewName, Options;
-    Lines Messages;
-    bool Ok;
+  const Lines Here = {"out/a.txt=a", "out/keep.txt=keep", "out/ro.txt=ro [ro]", "out/sub/x", "out/other/x/"};
+  auto Renamed = [&](const std::string& From, const std::string& To) {
+    Lines After;
+    for (const std::string& L : Here)
+      if (!L.starts_with(To)) After.push_back(L.starts_with(From) ? To + L.substr(From.size()) : L);
+    return After;
   };
-  const std::vector<Case> Cases = {
-      {"out/a.txt", "b.txt", "", {"Renamed : out/a.txt -> out/b.txt"}, true},
-      {"out/sub/", "SUB", "", {"Renamed : out/sub -> out/SUB"}, true},
-      {"out/a.txt", "a.txt", "", {"Renamed : out/a.txt -> out/a.txt"}, true},
-      {"out/a.txt", "keep.txt", "OverwriteExisting: true", {"Renamed : out/a.txt -> out/keep.txt"}, true},
-      {"out/*.txt", "b.txt", "", {"Error: Wildcards are not allowed : out/*.txt"}, false},
-      {"out/a.txt", "../b.txt", "", {"Error: The new name must be a plain name : ../b.txt"}, false},
-      {"out/a.txt", "..", "", {"Error: The new name must be a plain name : .."}, false},
-      {"out/a.txt",
-       "keep.txt",
-       "",
-       {"Unable to rename : out/a.txt -> out/keep.txt", " --> Cannot create a file when that file already exists"},
-       false},
-      {"out/a.txt",
-       "ro.txt",
-       "OverwriteExisting: true",
-       {"Unable to rename : out/a.txt -> out/ro.txt", " --> Access is denied"},
-       false},
-      {"out/sub", "other", "OverwriteExisting: true",
-       {"Unable to rename : out/sub -> out/other", " --> Cannot create a file when that file already exists"},
-       false},
-      {"out/none", "x", "",
-       {"Unable to rename : out/none -> out/x", " --> The system cannot find the file specified"}, false},
-  };
-  for (const Case& C : Cases) {
-    TempDir Dir;
-    MakeTree(Dir);
-    Dir.Write("out/keep.txt", "keep");
-    Dir.Write("out/ro.txt", "ro");
-    MakeReadOnly(Dir / "out/ro.txt");
-    fs::create_directories(Dir / "out/other/x");
-    ZtResult R = RunZt(Dir.Path(), "name: Rename\nactions:\n  - action: Rename File or Directory\n"
-                                   "    FileOrDirectory: \"" + C.Path + "\"\n    NewName: \"" + C.NewName + "\"\n    " +
-                                       C.Options + "\n");
-    EXPECT_EQ(R.ExitCode, C.Ok ? 0 : 1) << C.Path << " " << C.NewName;
-    EXPECT_EQ(Messages(R, "1"), C.Messages) << C.Path << " " << C.NewName;
-    if (!C.Ok) {
-      EXPECT_EQ(Dir.Read("out/a.txt"), "a");
-    }
-  }
-}
-
-TEST(DirectoryActionsEndToEnd, ValidateAndDescribeNameWhatIsMissing) {
-  TempDir Dir;
-  const std::string Project = R"(name: Dirs
-actions:
-  - action: Delete Directory
-  - {action: Move Directory, FileOrDirectory: "%OUT%"}
-  - {action: Rename File or Directory, NewName: b}
-)";
-  ZtResult R = RunZt(Dir.Path(), Project, {}, "validate");
-  EXPECT_EQ(R.ExitCode, 1);
-  EXPECT_EQ(R.Stdout,
-            "1 Delete Directory: Directory: The directory to delete has not been set\n"
-            "2 Move Directory: Destination: The destination has not been set\n"
-            "3 Rename File or Directory: File or Directory: The file or directory to rename has not been set\n");
-  R = RunZt(Dir.Path(), "", {}, "describe");
-  EXPECT_EQ(R.Stdout, "Delete Directory [  ]\nMove Directory [ %OUT% ->  ]\nRename [  -> b ]\n");
+  const std::string Rename = "action: Rename File or Directory, FileOrDirectory: ";
+  const std::string Exists = " --> Cannot create a file when that file already exists";
+  // clang-format off
+  ExpectCases({
+      {Rename + "out/a.txt, NewName: b.txt", Here, {"Renamed : out/a.txt -> out/b.txt"}, "success",
+       Renamed("out/a.txt", "out/b.txt")},
+      {Rename + "out/sub/, NewName: SUB", Here, {"Renamed : out/sub -> out/SUB"}, "success",
+       Renamed("out/sub", "out/SUB")},
+      {Rename + "out/a.txt, NewName: a.txt", Here, {"Renamed : out/a.txt -> out/a.txt"}, "success", Here},
+      {Rename + "out/a.txt, NewName: keep.txt, OverwriteExisting: true", Here, {"Renamed : out/a.txt -> out/keep.txt"},
+       "success", Renamed("out/a.txt", "out/keep.txt")},
+      {Rename + "'out/*.txt', NewName: b.txt", Here, {"Error: Wildcards are not allowed : out/*.txt"}, "failure",
+       Here},
+      {Rename + "out/a.txt, NewName: ../b.txt", Here, {"Error: The new name must be a plain name : ../b.txt"},
+       "failure", Here},
+      {Rename + "out/a.txt, NewName: '..'", Here, {"Error: The new name must be a plain name : .."}, "failure", Here},
+      {Rename + "out/a.txt, NewName: keep.txt", Here, {"Unable to rename : out/a.txt -> out/keep.txt", Exists},
+       "failure", Here},
+      {Rename + "out/a.txt, NewName: ro.txt, OverwriteExisting: true", Here,
+       {"Unable to rename : out/a.txt -> out/ro.txt", " --> Access is denied"}, "failure", Here},
+      {Rename + "out/sub, NewName: other, OverwriteExisting: true", Here,
+       {"Unable to rename : out/sub -> out/other", Exists}, "failure", Here},
+      {Rename + "out/none, NewName: x", Here,
+       {"Unable to rename : out/none -> out/x", " --> The system cannot find the file specified"}, "failure", Here},
+  });
+  // clang-format on
 }
 
 }  // namespace

@@ -1,12 +1,9 @@
 // "Concatenate Files", "Get File Size" and "File Compare" run through zt:
 // the bytes written, the sizes and answers stored, and the log lines.
-#include <unistd.h>
+#include <gtest/gtest.h>
 
-#include <filesystem>
 #include <string>
 #include <vector>
-
-#include <gtest/gtest.h>
 
 #include "ZtRunner.h"
 #include "support/Files.h"
@@ -15,7 +12,6 @@
 namespace zt::testing {
 namespace {
 
-namespace fs = std::filesystem;
 using Lines = std::vector<std::string>;
 using namespace std::string_literals;
 
@@ -23,11 +19,8 @@ const std::string kBom = "\xEF\xBB\xBF";
 
 TEST(ConcatEndToEnd, JoinsPartsInNameOrderWithSeparatorsAndOneByteOrderMark) {
   TempDir Dir;
-  fs::create_directory(Dir / "parts");
-  Dir.Write("parts/b.txt", kBom + "b");
-  Dir.Write("parts/a.txt", kBom + "a\0x"s);
-  Dir.Write("parts/c.txt", "");
-  Dir.Write("extra.bin", "e" + kBom + "mid");
+  MakeTree(Dir.Path(), {"parts/b.txt=" + kBom + "b", "parts/a.txt=" + kBom + "a\0x"s,
+                        "parts/c.txt=", "extra.bin=e" + kBom + "mid"});
   ZtResult R = RunZt(Dir.Path(), R"(name: Bundle
 actions:
   - action: Concatenate Files
@@ -51,47 +44,28 @@ actions:
 }
 
 TEST(ConcatEndToEnd, FailuresWriteNothing) {
-  struct Case {
-    std::string Options;
-    Lines Details;
-  };
-  const std::vector<Case> Cases = {
-      {"SourceFiles: [a.txt, \"nope*.txt\", b.txt]\n    TargetFile: t.txt",
-       {"Concatenating files : t.txt", " --> No file matches : nope*.txt", "0 Files Concatenated."}},
-      {"SourceFiles: [\"*.txt\"]\n    TargetFile: t.txt",
-       {"Concatenating files : t.txt", " --> The target file is also a source file : t.txt", "0 Files Concatenated."}},
-      {"SourceFiles: [a.txt]\n    TargetFile: ro.txt",
-       {"Concatenating files : ro.txt", " --> Error Writing File : ro.txt", " --> Access is denied",
-        "0 Files Concatenated."}},
-      {"SourceFiles: [a.txt]\n    TargetFile: no/dir/t.txt",
-       {"Concatenating files : no/dir/t.txt", " --> Error Writing File : no/dir/t.txt",
-        " --> The system cannot find the path specified", "0 Files Concatenated."}},
-  };
-  for (const Case& C : Cases) {
-    TempDir Dir;
-    Dir.Write("a.txt", "a");
-    Dir.Write("b.txt", "b");
-    Dir.Write("t.txt", "old");
-    Dir.Write("ro.txt", "old");
-    fs::permissions(Dir / "ro.txt", fs::perms::all & ~fs::perms::owner_write & ~fs::perms::group_write &
-                                        ~fs::perms::others_write);
-    ZtResult R = RunZt(Dir.Path(), "name: Bundle\nactions:\n  - action: Concatenate Files\n    " + C.Options + "\n");
-    EXPECT_EQ(R.ExitCode, 1) << C.Options;
-    EXPECT_EQ(StatusDetails(R, "1"), C.Details) << C.Options;
-    EXPECT_EQ(Dir.Read("t.txt"), "old");
-    EXPECT_EQ(ListNames(Dir.Path()), (Lines{"a.txt", "b.txt", "log.jsonl", "project.yml", "ro.txt", "t.txt"}));
-  }
+  const Lines Here = {"a.txt=a", "b.txt=b", "t.txt=old", "ro.txt=old [ro]"};
+  const std::string Cat = "action: Concatenate Files, SourceFiles: ";
+  const std::string Error = " --> Error Writing File : ", None = "0 Files Concatenated.";
+  // clang-format off
+  ExpectCases({
+      {Cat + "[a.txt, 'nope*.txt', b.txt], TargetFile: t.txt", Here,
+       {"Concatenating files : t.txt", " --> No file matches : nope*.txt", None}, "failure", Here},
+      {Cat + "['*.txt'], TargetFile: t.txt", Here,
+       {"Concatenating files : t.txt", " --> The target file is also a source file : t.txt", None}, "failure", Here},
+      {Cat + "[a.txt], TargetFile: ro.txt", Here,
+       {"Concatenating files : ro.txt", Error + "ro.txt", " --> Access is denied", None}, "failure", Here},
+      {Cat + "[a.txt], TargetFile: no/dir/t.txt", Here,
+       {"Concatenating files : no/dir/t.txt", Error + "no/dir/t.txt", " --> The system cannot find the path specified",
+        None}, "failure", Here},
+  });
+  // clang-format on
 }
 
 TEST(GetFileSizeEndToEnd, SumsFilesSpecificationsAndTrees) {
   TempDir Dir;
-  fs::create_directories(Dir / "d/sub");
-  fs::create_directories(Dir / "elsewhere");
-  Dir.Write("d/a.txt", "aaa");
-  Dir.Write("d/.hidden", "hh");
-  Dir.Write("d/sub/b.txt", "bbbbb");
-  Dir.Write("elsewhere/big.txt", std::string(1000, 'x'));
-  fs::create_directory_symlink("../elsewhere", Dir / "d/link");
+  MakeTree(Dir.Path(), {"d/a.txt=aaa", "d/.hidden=hh", "d/sub/b.txt=bbbbb",
+                        "elsewhere/big.txt=" + std::string(1000, 'x'), "d/link -> ../elsewhere"});
   ZtResult R = RunZt(Dir.Path(), R"(name: Sizes
 actions:
   - {action: Get File Size, FileName: d/a.txt}
@@ -113,15 +87,10 @@ actions:
 TEST(FileCompareEndToEnd, AnswersEqualOrSaysWhereTheyDiffer) {
   TempDir Dir;
   const std::string Block(256 * 1024, 'q');
-  Dir.Write("a", "abc");
-  Dir.Write("a2", "abc");
-  Dir.Write("longer", "abcd");
-  Dir.Write("big1", Block + Block);
-  Dir.Write("big2", Block.substr(0, Block.size() - 1) + "!" + Block);
-  Dir.Write("win.txt", "one\r\ntwo\r\nthree\r\n");
-  Dir.Write("unix.txt", "one\ntwo\nthree");
-  Dir.Write("mac.txt", "one\rtwo\rTHREE\r");
-  ASSERT_EQ(link((Dir / "a").c_str(), (Dir / "hard").c_str()), 0);
+  MakeTree(Dir.Path(),
+           {"a=abc", "a2=abc", "longer=abcd", "big1=" + Block + Block, "hard => a",
+            "big2=" + Block.substr(0, Block.size() - 1) + "!" + Block, "win.txt=one\r\ntwo\r\nthree\r\n",
+            "unix.txt=one\ntwo\nthree", "mac.txt=one\rtwo\rTHREE\r"});
   struct Case {
     std::string First, Second, Mode;
     Lines Messages;
@@ -133,14 +102,18 @@ TEST(FileCompareEndToEnd, AnswersEqualOrSaysWhereTheyDiffer) {
       {"big1", "big2", "cmBinary", {"Files differ : big1 <> big2", "First difference at byte 262144"}},
       {"win.txt", "unix.txt", "cmText", {"Files are identical : win.txt = unix.txt"}},
       {"win.txt", "mac.txt", "cmText", {"Files differ : win.txt <> mac.txt", "First difference at line 3"}},
-      {"unix.txt", "win.txt", "cmBinary", {"Files differ : unix.txt <> win.txt", "Sizes differ : 13 and 17 bytes"}},
+      {"unix.txt",
+       "win.txt",
+       "cmBinary",
+       {"Files differ : unix.txt <> win.txt", "Sizes differ : 13 and 17 bytes"}},
       {"a", "missing", "cmBinary", {"ERROR - File missing: missing"}},
   };
   std::string Project = "name: Compare\nactions:\n";
   for (const Case& C : Cases)
     Project += "  - action: File Compare\n    FileName: " + C.First + "\n    CompareToFile: " + C.Second +
                "\n    CompareMode: " + C.Mode + "\n    ZTVariable: SAME\n    ignoreFailure: true\n";
-  Project += "  - action: File Compare\n    FileName: a\n    CompareToFile: longer\n    FailIfDifferent: false\n";
+  Project +=
+      "  - action: File Compare\n    FileName: a\n    CompareToFile: longer\n    FailIfDifferent: false\n";
   ZtResult R = RunZt(Dir.Path(), Project);
   EXPECT_EQ(R.ExitCode, 0) << R.Stderr;
   for (std::size_t I = 0; I < Cases.size(); ++I) {
@@ -151,23 +124,6 @@ TEST(FileCompareEndToEnd, AnswersEqualOrSaysWhereTheyDiffer) {
   }
   EXPECT_EQ(ActionResult(R, std::to_string(Cases.size() + 1)), "success");
   EXPECT_EQ(FinalVariables(R)["SAME"], false);  // left by the last compare that read both files
-}
-
-TEST(FileActionsEndToEnd, ValidateNamesWhatIsMissing) {
-  TempDir Dir;
-  ZtResult R = RunZt(Dir.Path(), R"(name: Files
-actions:
-  - action: Concatenate Files
-  - action: Get File Size
-  - {action: File Compare, FileName: a}
-)",
-                     {}, "validate");
-  EXPECT_EQ(R.ExitCode, 1);
-  EXPECT_EQ(R.Stdout,
-            "1 Concatenate Files: Source Files: No source files have been set\n"
-            "1 Concatenate Files: Target File: The target file has not been set\n"
-            "2 Get File Size: File Name: Filename has not been set\n"
-            "3 File Compare: Compare to File: The file to compare to has not been set\n");
 }
 
 }  // namespace

@@ -1,6 +1,8 @@
 // What a hostile but ordinary user does to files through zt, and what must
 // survive it: a full disk under a move, an interrupted move, two builds
-// writing one INI file, INI files behind links, copies into their own tree.
+// writing one INI file, INI files behind links, copies into their own tree;
+// files that never end or never answer (FIFOs and devices are refused at
+// once), and stops that end the reading of huge files without a result.
 #include <gtest/gtest.h>
 #include <signal.h>
 #include <sys/mount.h>
@@ -15,8 +17,8 @@
 #include <vector>
 
 #include "ZtRunner.h"
-#include "support/TempDir.h"
 #include "support/Files.h"
+#include "support/TempDir.h"
 
 namespace zt::testing {
 namespace {
@@ -151,31 +153,96 @@ TEST(NothingLost, IniWritesGoThroughLinksAndKeepOwnerGroupAndAttributes) {
   EXPECT_EQ(ListNames(Dir.Path()), (Lines{"hard.ini", "link.ini", "log.jsonl", "project.yml", "real.ini"}));
 }
 
-TEST(NothingLost, RecursiveCopyIntoItsOwnSubFolderCopiesTheTreeOnce) {
+TEST(NothingLost, RecursiveCopiesCopyATreeOnceIntoItselfAndNeverThroughALinkBackUp) {
   TempDir Dir;
-  WriteText(Dir / "tree/a.txt", "a");
-  WriteText(Dir / "tree/d/b.txt", "b");
+  MakeTree(Dir.Path(),
+           {"tree/a.txt=a", "tree/d/b.txt=b", "linked/a.txt=a", "linked/d/b.txt=b", "linked/d/up -> .."});
   ZtResult R = RunZt(Dir.Path(), R"(actions:
   - {action: Copy File(s), FileSpec: tree/*, Target: tree/sub, Recurse: true, Force: true}
+  - {action: Copy File(s), FileSpec: linked/*, Target: out, Recurse: true, Force: true}
 )");
   EXPECT_EQ(R.ExitCode, 0) << R.Stdout;
   EXPECT_EQ(StatusDetails(R, "1"), (Lines{"Copying files : tree/* -> tree/sub", "2 Files Copied."}));
-  EXPECT_EQ(ListNames(Dir / "tree/sub"), (Lines{"a.txt", "d"}));
-  EXPECT_EQ(ReadText(Dir / "tree/sub/d/b.txt"), "b");
+  EXPECT_EQ(StatusDetails(R, "2"), (Lines{"Copying files : linked/* -> out", "2 Files Copied."}));
+  EXPECT_EQ(Tree(Dir / "tree"),
+            (Lines{"a.txt=a", "d/b.txt=b", "sub/a.txt=a [0x20]", "sub/d/b.txt=b [0x20]"}));
+  EXPECT_EQ(Tree(Dir / "out"), (Lines{"a.txt=a [0x20]", "d/b.txt=b [0x20]"}));
 }
 
-TEST(NothingLost, RecursiveCopyStopsWhereALinkLeadsBackUpTheTree) {
-  TempDir Dir;
-  WriteText(Dir / "tree/a.txt", "a");
-  WriteText(Dir / "tree/d/b.txt", "b");
-  fs::create_directory_symlink("..", Dir / "tree/d/up");
-  ZtResult R = RunZt(Dir.Path(), R"(actions:
-  - {action: Copy File(s), FileSpec: tree/*, Target: out, Recurse: true, Force: true}
+TEST(NothingHung, FifosAndDevicesAreRefusedInsteadOfWaitedFor) {
+  TempDir D;
+  MakeTree(D.Path(), {"a.txt=a", "in/"});
+  ASSERT_EQ(mkfifo((D / "in/pipe").c_str(), 0666), 0);
+  ZtResult R = RunZt(D.Path(), R"(actions:
+  - {action: Copy File(s), FileSpec: in/*, Target: out, Force: true, ignoreFailure: true}
+  - {action: Calculate File CRC32, FileName: /dev/zero, ignoreFailure: true}
+  - {action: Touch File(s), FileSpec: in/*}
+  - {action: Copy File(s), FileSpec: a.txt, Target: in/pipe, Force: true, ignoreFailure: true}
+  - {action: Move File(s), FileSpec: a.txt, Target: in/pipe}
+  - {action: Write to Text File, FileName: in/pipe, NewContent: never waits for a reader,
+     ignoreFailure: true}
+  - {action: Copy File(s), FileSpec: /proc/self/status, Target: out/status, Force: true}
 )");
   EXPECT_EQ(R.ExitCode, 0) << R.Stdout;
-  EXPECT_EQ(StatusDetails(R, "1"), (Lines{"Copying files : tree/* -> out", "2 Files Copied."}));
-  EXPECT_EQ(ListNames(Dir / "out"), (Lines{"a.txt", "d"}));
-  EXPECT_EQ(ListNames(Dir / "out/d"), Lines{"b.txt"});
+  EXPECT_EQ(StatusDetails(R, "1"),
+            (Lines{"Copying files : in/* -> out", "Failed to copy File : in/pipe -> out/pipe",
+                   "Win32 Error : Access is denied", "0 Files Copied."}));
+  EXPECT_EQ(Messages(R, "2"), Lines{"Error getting crc32 : File access denied"});
+  // A FIFO is a system file, which the touch's search leaves out.
+  EXPECT_EQ(StatusDetails(R, "3"), Lines{"Processed : 0 File(s)"});
+  EXPECT_FALSE(fs::exists(D / "out/pipe"));
+  // Nor is one ever replaced, removed or written to as a target.
+  EXPECT_EQ(StatusDetails(R, "4"),
+            (Lines{"Copying files : a.txt -> in/pipe", "Failed to copy File : a.txt -> in/pipe",
+                   "Win32 Error : Access is denied", "0 Files Copied."}));
+  EXPECT_EQ(StatusDetails(R, "5"),
+            (Lines{"Moving files : a.txt -> in/pipe", " --> Error Moving File : a.txt -> in/pipe",
+                   " --> Cannot create a file when that file already exists", "0 Files Moved."}));
+  EXPECT_EQ(Messages(R, "6"),
+            (Lines{"Error writing to text file:", "Cannot open file \"in/pipe\". Access is denied"}));
+  EXPECT_TRUE(fs::is_fifo(D / "in/pipe"));
+  EXPECT_TRUE(fs::exists(D / "a.txt"));
+  // A file of /proc says it is empty, yet copies with its contents.
+  EXPECT_EQ(StatusDetails(R, "7"),
+            (Lines{"Copying files : /proc/self/status -> out/status", "1 Files Copied."}));
+  EXPECT_EQ(ReadText(D / "out/status").rfind("Name:\tzt\n", 0), 0u);
+}
+
+TEST(NothingHung, StopEndsAChecksumOfAHugeFileWithoutAResult) {
+  TempDir Shm("/dev/shm"), D;  // reading a hole of tmpfs costs no disk and no memory
+  const std::string Big = (Shm.Path().empty() ? D.Path() : Shm.Path()) + "/huge.bin";
+  Sparse(Big, std::uintmax_t{64} << 30);
+  ZtResult R =
+      RunZtAndSignal(D.Path(), "actions:\n  - action: Calculate File CRC32\n    FileName: " + Big + "\n",
+                     "\"action-start\"", SIGTERM);
+  EXPECT_EQ(R.ExitCode, 130);
+  EXPECT_EQ(Messages(R, "1"), Lines{"Error getting crc32 : I/O error 995"});
+  EXPECT_EQ(ActionResult(R, "1"), "failure");
+}
+
+TEST(NothingHung, StopEndsTheReadOfAHugeTextFileBeforeItIsTakenIn) {
+  TempDir Shm("/dev/shm"), D;
+  const std::string Big = (Shm.Path().empty() ? D.Path() : Shm.Path()) + "/huge.txt";
+  Sparse(Big, std::uintmax_t{2} << 30);  // seconds to take into memory
+  ZtResult R = RunZtAndSignal(D.Path(),
+                              "actions:\n  - action: Read Text File\n    FileName: " + Big +
+                                  "\n    ZTVariable: TEXT\n    PutContentsInVar: true\n",
+                              "\"action-start\"", SIGTERM);
+  EXPECT_EQ(R.ExitCode, 130);
+  EXPECT_EQ(Messages(R, "1"),
+            (Lines{"Reading file...", "Failed to read from text file: Cannot read file \"" + Big +
+                                          "\". The I/O operation has been aborted because of either a "
+                                          "thread exit or an application request"}));
+#ifdef __SANITIZE_ADDRESS__
+  const int MaxMs = 10000;  // the sanitizer marks and clears the shadow of the whole reserve
+#else
+  const int MaxMs = 1000;  // taking the whole file in would take several seconds
+#endif
+  for (const auto& E : R.Events) {
+    if (E.value("event", "") == "action-end") {
+      EXPECT_LT(E["duration_ms"].get<int>(), MaxMs);
+    }
+  }
 }
 
 }  // namespace

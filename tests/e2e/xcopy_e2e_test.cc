@@ -1,22 +1,21 @@
 // "XCopy" through zt: the switches its properties give, the copy the
 // built-in xcopy makes of them (there is no xcopy on this platform), and the
 // exclusion list's temporary file, which is gone after every run.
+#include <gtest/gtest.h>
 #include <stdlib.h>
-#include <sys/stat.h>
 
 #include <filesystem>
-#include <fstream>
 #include <string>
 #include <vector>
 
-#include <gtest/gtest.h>
-
 #include "ZtRunner.h"
+#include "support/Files.h"
 #include "support/TempDir.h"
 
 namespace zt::testing {
 namespace {
 
+namespace fs = std::filesystem;
 using Lines = std::vector<std::string>;
 
 struct SwitchCase {
@@ -30,13 +29,16 @@ TEST(XCopyEndToEnd, PropertiesBecomeSwitchesInAFixedOrder) {
       {"XCopyMode: mdRecursive\n    CopyEmptyDirectories: true\n", " /S /E"},
       {"XCopyMode: mdNormal\n    CopyEmptyDirectories: true\n", ""},
       {"XCopyMode: mdTest\n    CopyEmptyDirectories: true\n", " /L"},
-      {"XCopyMode: mdDirStructure\n    CopyEmptyDirectories: true\n    XCopyLogMode: logQuiet\n", " /Q /T /E"},
+      {"XCopyMode: mdDirStructure\n    CopyEmptyDirectories: true\n    XCopyLogMode: logQuiet\n",
+       " /Q /T /E"},
       {"XCopyLogMode: logVerbose\n", " /F"},
       {"OnlyArchiveFiles: true\n", " /A"},
       {"OnlyArchiveFiles: true\n    TurnOffArchiveBit: true\n", " /M"},
       {"TurnOffArchiveBit: true\n", ""},
-      {"CopyOwnershipAndACL: true\n    CopyEncryptedIfNotSupportedInDest: true\n    CopyFileAuditSettings: true\n"
-       "    CopyUsingShortNames: true\n    CopyFilesChnagedAfter: true\n    ChangedAfterDate: 2024-03-05T10:15:00\n"
+      {"CopyOwnershipAndACL: true\n    CopyEncryptedIfNotSupportedInDest: true\n    CopyFileAuditSettings: "
+       "true\n"
+       "    CopyUsingShortNames: true\n    CopyFilesChnagedAfter: true\n    ChangedAfterDate: "
+       "2024-03-05T10:15:00\n"
        "    CopyNewerFiles: true\n    IgnoreErrors: true\n    Verify: true\n    CopyNetworkedFiles: true\n"
        "    OnlyFilesThatAlreadyExist: true\n    CopyAttributes: true\n    OverwriteReadOnly: true\n"
        "    CopyHiddenAndSys: true\n",
@@ -48,7 +50,7 @@ TEST(XCopyEndToEnd, PropertiesBecomeSwitchesInAFixedOrder) {
     if (!C.Properties.empty()) Yaml += "    " + C.Properties;
   }
   TempDir D;
-  std::filesystem::create_directory(D / "src");
+  fs::create_directory(D / "src");
   ZtResult R = RunZt(D.Path(), Yaml);
   EXPECT_EQ(R.ExitCode, 0) << R.Stderr;
   for (std::size_t I = 0; I < Cases.size(); ++I) {
@@ -62,9 +64,7 @@ TEST(XCopyEndToEnd, PropertiesBecomeSwitchesInAFixedOrder) {
 
 TEST(XCopyEndToEnd, TheExclusionListFileIsGoneAfterTheRun) {
   TempDir D, Tmp;
-  std::filesystem::create_directory(D / "src");
-  std::ofstream(D / "src/a.obj") << "a";
-  std::ofstream(D / "src/b.log") << "b";
+  MakeTree(D.Path(), {"src/a.obj=a", "src/b.log=b"});
   setenv("TMPDIR", Tmp.Path().c_str(), 1);
   ZtResult R = RunZt(D.Path(), R"(variables:
   EXT: .log
@@ -78,26 +78,23 @@ actions:
   EXPECT_EQ(R.ExitCode, 1) << R.Stderr;
   const Lines First = Messages(R, "1");
   ASSERT_EQ(First.size(), 4u);
-  EXPECT_EQ(First[0], "Warning: Excluded file list contains wildcard characters. XCopy exclude list does not "
-                      "support wildcards, substring matching only.");
+  EXPECT_EQ(First[0],
+            "Warning: Excluded file list contains wildcard characters. XCopy exclude list does not "
+            "support wildcards, substring matching only.");
   const std::string Head = "Calling xcopy using command line: src out /Y /I /EXCLUDE:" + Tmp.Path() + "/zt-";
   EXPECT_EQ(First[1].substr(0, Head.size()), Head);
   EXPECT_EQ(First[1].substr(First[1].size() - 4), ".xcp");
   EXPECT_EQ(First[2], "src/a.obj");  // the list's lines are substrings: "*.obj" matches nothing, ".log" b.log
   EXPECT_EQ(First[3], "1 File(s) copied");
-  EXPECT_EQ(Messages(R, "2"), (Lines{"Calling xcopy using command line: src out /Y /I", "src/a.obj", "src/b.log",
-                                     "2 File(s) copied"}));
+  EXPECT_EQ(Messages(R, "2"), (Lines{"Calling xcopy using command line: src out /Y /I", "src/a.obj",
+                                     "src/b.log", "2 File(s) copied"}));
   EXPECT_EQ(Messages(R, "3"), (Lines{"Cannot expand Excluded file 1: variable \"NOPE\" is not defined"}));
-  EXPECT_TRUE(std::filesystem::is_empty(Tmp.Path()));
+  EXPECT_TRUE(fs::is_empty(Tmp.Path()));
 }
 
 TEST(XCopyEndToEnd, TheBuiltInXCopyCopiesWhatThePropertiesSay) {
   TempDir D;
-  for (const char* F : {"src/a.txt", "src/sub/c.txt", "src/sub/deep/d.txt", "ro/a.txt"}) {
-    std::filesystem::create_directories(std::filesystem::path(D / F).parent_path());
-    std::ofstream(D / F) << F;
-  }
-  chmod((D / "ro/a.txt").c_str(), 0444);
+  MakeTree(D.Path(), {"src/a.txt=a", "src/sub/c.txt=c", "src/sub/deep/d.txt=d", "ro/a.txt=ro [ro]"});
   ZtResult R = RunZt(D.Path(), R"(actions:
   - {action: XCopy, Source: src, Destination: tree, XCopyMode: mdRecursive, XCopyLogMode: logVerbose,
      ExcludeFiles: ["\\deep\\"]}
@@ -110,23 +107,72 @@ TEST(XCopyEndToEnd, TheBuiltInXCopyCopiesWhatThePropertiesSay) {
   EXPECT_EQ(Lines(First.begin() + 1, First.end()),
             (Lines{"src/a.txt -> tree/a.txt", "src/sub/c.txt -> tree/sub/c.txt", "2 File(s) copied"}));
   EXPECT_EQ(ActionResult(R, "1"), "success");
-  EXPECT_FALSE(std::filesystem::exists(D / "tree/sub/deep"));
-  EXPECT_EQ(Messages(R, "2"), (Lines{"Calling xcopy using command line: src ro /Y /I", "src/a.txt",
-                                     "Access is denied", "0 File(s) copied", "The program ended with exit code 5"}));
+  EXPECT_FALSE(fs::exists(D / "tree/sub/deep"));
+  EXPECT_EQ(Messages(R, "2"),
+            (Lines{"Calling xcopy using command line: src ro /Y /I", "src/a.txt", "Access is denied",
+                   "0 File(s) copied", "The program ended with exit code 5"}));
   EXPECT_EQ(ActionResult(R, "2"), "ignored");
-  EXPECT_EQ(Messages(R, "3"), (Lines{"Calling xcopy using command line: src ro /Y /I /Q /R", "1 File(s) copied"}));
-  std::ifstream In(D / "ro/a.txt");
-  std::string Text((std::istreambuf_iterator<char>(In)), std::istreambuf_iterator<char>());
-  EXPECT_EQ(Text, "src/a.txt");
+  EXPECT_EQ(Messages(R, "3"),
+            (Lines{"Calling xcopy using command line: src ro /Y /I /Q /R", "1 File(s) copied"}));
+  EXPECT_EQ(ReadText(D / "ro/a.txt"), "a");
 }
 
-TEST(XCopyEndToEnd, ValidateReportsSourceAndDestinationTogether) {
-  TempDir D;
-  ZtResult R = RunZt(D.Path(), "actions:\n  - action: XCopy\n", {}, "validate");
-  EXPECT_EQ(R.ExitCode, 1);
-  EXPECT_EQ(R.Stdout,
-            "1 XCopy: Source: A source must be specified\n"
-            "1 XCopy: Destination: A destination must be specified\n");
+// The built-in xcopy through `zt xcopy`: what each switch selects and
+// writes, the lines it prints and its exit codes, including the refusals
+// (missing source, cyclic copy, unknown switch) that change nothing.
+TEST(XCopyTool, SwitchesSelectWriteAndReportAsXCopyDoes) {
+  const struct {
+    Lines Args, Before;  // Before: files made after src/, so newer than its files
+    std::string Output;
+    int ExitCode;
+    Lines Out;  // Tree() of out/ afterwards
+  } Cases[] = {
+      // clang-format off
+      {{"src", "out", "/I"}, {}, "src/a.txt\nsrc/b.log\n2 File(s) copied\n", 0, {"a.txt=a [0x20]", "b.log=bb [0x20]"}},
+      {{"src", "out", "/S", "/Y"}, {}, "src/a.txt\nsrc/b.log\nsrc/sub/c.txt\nsrc/sub/deep/d.txt\n4 File(s) copied\n", 0,
+       {"a.txt=a [0x20]", "b.log=bb [0x20]", "sub/c.txt=c [0x20]", "sub/deep/d.txt=d [0x20]"}},
+      {{"src", "out", "/E", "/Q"}, {}, "4 File(s) copied\n", 0,
+       {"a.txt=a [0x20]", "b.log=bb [0x20]", "empty/", "sub/c.txt=c [0x20]", "sub/deep/d.txt=d [0x20]"}},
+      {{"src", "out", "/S", "/H", "/Q", "/EXCLUDE:excl.lst"}, {"excl.lst=\\SUB\\\r\n.LOG\r\n"}, "2 File(s) copied\n", 0,
+       {".hidden=h [0x20]", "a.txt=a [0x20]"}},
+      {{"src/*.txt", "out", "/F", "/L"}, {}, "src/a.txt -> out/a.txt\n1 File(s)\n", 0, {}},
+      {{"src", "out", "/T", "/E"}, {}, "0 File(s) copied\n", 0, {"empty/", "sub/deep/"}},
+      {{"src", "out", "/D"}, {"out/a.txt=newer"}, "src/b.log\n1 File(s) copied\n", 0,
+       {"a.txt=newer", "b.log=bb [0x20]"}},
+      {{"src", "out", "/U"}, {"out/a.txt=newer"}, "src/a.txt\n1 File(s) copied\n", 0, {"a.txt=a [0x20]"}},
+      {{"src", "out"}, {"out/a.txt=kept [ro]"}, "src/a.txt\nAccess is denied\n0 File(s) copied\n", 5,
+       {"a.txt=kept [ro]"}},
+      {{"src", "out", "/C"}, {"out/a.txt=kept [ro]"}, "src/a.txt\nAccess is denied\nsrc/b.log\n1 File(s) copied\n", 0,
+       {"a.txt=kept [ro]", "b.log=bb [0x20]"}},
+      {{"src", "out", "/R"}, {"out/a.txt=kept [ro]"}, "src/a.txt\nsrc/b.log\n2 File(s) copied\n", 0,
+       {"a.txt=a [0x20]", "b.log=bb [0x20]"}},
+      // Copies lose read-only unless kept.
+      {{"src", "out", "/Q"}, {"src/ro.txt=ro [ro]"}, "3 File(s) copied\n", 0,
+       {"a.txt=a [0x20]", "b.log=bb [0x20]", "ro.txt=ro [0x20]"}},
+      {{"src", "out", "/Q", "/K"}, {"src/ro.txt=ro [ro]"}, "3 File(s) copied\n", 0,
+       {"a.txt=a [0x20]", "b.log=bb [0x20]", "ro.txt=ro [ro] [0x20]"}},
+      {{"src/*.zz", "out"}, {}, "File not found - *.zz\n0 File(s) copied\n", 1, {}},
+      {{"nope", "out"}, {}, "File not found - nope\n0 File(s) copied\n", 4, {}},
+      {{"src", "src/sub/out", "/S"}, {}, "Cannot perform a cyclic copy\n0 File(s) copied\n", 4, {}},
+      {{"src", "out", "/P"}, {}, "Invalid switch - /P\n", 4, {}},
+      // clang-format on
+  };
+  for (const auto& C : Cases) {
+    SCOPED_TRACE(::testing::PrintToString(C.Args));
+    TempDir D;
+    MakeTree(D.Path(), {"src/a.txt=a", "src/b.log=bb", "src/.hidden=h", "src/sub/c.txt=c",
+                        "src/sub/deep/d.txt=d", "src/empty/"});
+    for (const auto& E : fs::recursive_directory_iterator(D / "src"))
+      fs::last_write_time(E.path(), fs::file_time_type::clock::now() - std::chrono::seconds(1000));
+    MakeTree(D.Path(), C.Before);
+    Lines Args = C.Args;
+    Args.insert(Args.begin(), "xcopy");
+    const ZtResult R = RunZtArgs(D.Path(), Args);
+    EXPECT_EQ(R.ExitCode, C.ExitCode);
+    EXPECT_EQ(R.Stdout, C.Output);
+    EXPECT_EQ(Tree(D / "out"), C.Out);
+    EXPECT_FALSE(fs::exists(D / "src/sub/out"));
+  }
 }
 
 }  // namespace
