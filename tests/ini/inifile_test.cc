@@ -252,7 +252,10 @@ TEST(IniWrite, ARefusedOrFailedWriteThrowsAndChangesNothing) {
       EXPECT_EQ(std::string(E.what()), "Unable to write to " + Path);
       EXPECT_EQ(GetLastError(), Error);
     }
-    if (How == kDirectory) continue;
+    if (How == kDirectory) {
+      EXPECT_EQ(Ini.ReadString("s", "k", "d"), "d");
+      continue;
+    }
     EXPECT_THROW(Ini.EraseSection("s"), EIniFileException);
     Ini.DeleteKey("s", "k");  // failure ignored
     if (Other != INVALID_HANDLE_VALUE) FileClose(Other);
