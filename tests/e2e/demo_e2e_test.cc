@@ -1,13 +1,12 @@
 // The README's demo project, run on the sample files scripts/demo makes: it
 // must keep working as the actions it uses change.
+#include <gtest/gtest.h>
 #include <sys/stat.h>
 
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
-
-#include <gtest/gtest.h>
 
 #include "ZtRunner.h"
 #include "support/Files.h"
@@ -21,7 +20,8 @@ namespace fs = std::filesystem;
 TEST(DemoProjectTest, PackagesTheDocumentsAndCleansTheOutput) {
   TempDir D;
   fs::create_directory(D / "demo-output");
-  for (const char* F : {"main.o.tmp", "util.o.tmp", "link.tmp"}) std::ofstream(D / ("demo-output/" + std::string(F))) << "scratch\n";
+  for (const char* F : {"main.o.tmp", "util.o.tmp", "link.tmp"})
+    std::ofstream(D / ("demo-output/" + std::string(F))) << "scratch\n";
   std::ofstream(D / "demo-output/build.log") << "old build log\n";
   chmod((D / "demo-output/build.log").c_str(), 0444);
   std::ofstream(D / "demo-output/readme.txt") << "keep me\n";
@@ -30,7 +30,8 @@ TEST(DemoProjectTest, PackagesTheDocumentsAndCleansTheOutput) {
   ASSERT_EQ(R.ExitCode, 0) << R.Stdout << R.Stderr;
 
   std::vector<std::string> Left;
-  for (const auto& E : fs::directory_iterator(D / "demo-output")) Left.push_back(E.path().filename().string());
+  for (const auto& E : fs::directory_iterator(D / "demo-output"))
+    Left.push_back(E.path().filename().string());
   std::sort(Left.begin(), Left.end());
   EXPECT_EQ(Left, (std::vector<std::string>{"dist", "readme.txt"}));
   EXPECT_EQ(ReadText(D / "demo-output/dist/readme.txt"), "keep me\n");

@@ -38,6 +38,13 @@ TEST(HostLoadTest, ProjectsThatCannotRunExitTwoNamingFileAndLine) {
       {"variables:\n  a%b: 1\nactions: []\n",
        {},
        "project.yml:2: variable name \"a%b\" is not valid (letters, digits, _, . and -)"},
+      {"actions:\n  - {action: Read Registry Value, RegRoot: HKEY_CURRENT_USR}\n",
+       {},
+       "project.yml:2: Read Registry Value: property \"RegRoot\" expects an integer or one of "
+       "HKEY_CLASSES_ROOT, "
+       "HKEY_CURRENT_USER, HKEY_LOCAL_MACHINE, HKEY_USERS, HKEY_CURRENT_CONFIG, got \"HKEY_CURRENT_USR\"; "
+       "did you "
+       "mean \"HKEY_CURRENT_USER\"?"},
       {"actions: []\n", {"--var", "NOEQUALS"}, "zt: --var expects NAME=VALUE, got \"NOEQUALS\""},
       {"actions: []\n",
        {"--var", "A B=1"},

@@ -18,7 +18,8 @@ namespace {
 std::string ManyDeletes(int Count) {
   std::string Yaml = "name: Long\nvariables:\n  MARK: set\nactions:\n";
   for (int I = 0; I < Count; ++I)
-    Yaml += "  - action: Delete File(s)\n    FileSpec: nothing-" + std::to_string(I) + ".tmp\n    FailIfNoFile: false\n";
+    Yaml += "  - action: Delete File(s)\n    FileSpec: nothing-" + std::to_string(I) +
+            ".tmp\n    FailIfNoFile: false\n";
   return Yaml;
 }
 

@@ -73,9 +73,10 @@ actions:
 )");
   EXPECT_EQ(R.ExitCode, 0) << R.Stdout << R.Stderr;
   // A set without its base directory is empty, and says why; names ignore letter case.
-  EXPECT_EQ(Messages(R, "1"), (Lines{"Retrieving fileset...", "Refreshing fileset...",
-                                     "File set \"Gone\": the base directory " + (D / "gone") + " does not exist",
-                                     "File set \"Gone\": 0 files", "File Set contents (0 files) :", ""}));
+  EXPECT_EQ(Messages(R, "1"),
+            (Lines{"Retrieving fileset...", "Refreshing fileset...",
+                   "File set \"Gone\": the base directory " + (D / "gone") + " does not exist",
+                   "File set \"Gone\": 0 files", "File Set contents (0 files) :", ""}));
   const std::string S = D / "src/", Refresh = "File set \"Src\": 3 files";
   EXPECT_EQ(
       Messages(R, "2"),
@@ -179,29 +180,6 @@ actions:
             (Lines{"Setting items...", "Cannot expand Item List: variable \"NOPE\" is not defined",
                    "Error while searching for items : Failed to expand list of items."}));
   EXPECT_EQ(ActionResult(R, "8"), "failure");
-}
-
-TEST(IteratorsE2E, ValidateNamesWhatIsMissing) {
-  TempDir D;
-  ZtResult R = RunZt(D.Path(), R"(actions:
-  - action: File Iterator
-  - {action: File Iterator, UseFileSet: true}
-  - action: Folder Iterator
-  - action: File Contents Iterator
-  - {action: Ini File Iterator, IteratorMode: iiValues}
-  - {action: Ini File Iterator, IniFilename: app.ini}
-  - action: List Iterator
-)",
-                     {}, "validate");
-  EXPECT_EQ(R.ExitCode, 1);
-  EXPECT_EQ(R.Stdout,
-            "1 File Iterator: File Spec: File Spec has not been set\n"
-            "2 File Iterator: FileSet: FileSet name has not been set\n"
-            "3 Folder Iterator: Starting Folder: A starting folder has not been set\n"
-            "4 File Contents Iterator: Filename: A filename has not been set\n"
-            "5 Ini File Iterator: Inifile: An INI file has not been set\n"
-            "5 Ini File Iterator: Variable: Both Name variable and Values variable has not been set\n"
-            "6 Ini File Iterator: Sections Variable: The Sections Variable has not been set\n");
 }
 
 }  // namespace

@@ -172,34 +172,5 @@ actions:
   EXPECT_EQ(ReadText(T.Store), "{\"HKEY_CURRENT_USER\\\\A\": {\"n\": 1}}");
 }
 
-TEST(RegistryEndToEnd, ValidateDescribeAndRootNames) {
-  TempDir Dir;
-  const std::string Project = R"(name: Checks
-actions:
-  - action: Read Registry Value
-  - {action: Delete Registry Value, RegKey: Software\Acme}
-  - {action: Delete Registry Value, RegKey: Software\Acme, DeleteKey: true}
-)";
-  ZtResult R = RunZt(Dir.Path(), Project, {}, "validate");
-  EXPECT_EQ(R.ExitCode, 1) << R.Stderr;
-  EXPECT_EQ(R.Stdout,
-            "1 Read Registry Value: Registry Key: Registry Key has not been set\n"
-            "2 Delete Registry Value: Registry Value: Registry Value name has not been set\n");
-  R = RunZt(Dir.Path(), "", {}, "describe");
-  EXPECT_EQ(R.Stdout,
-            "Read Registry Value\n"
-            "Delete Registry Value [ Software\\Acme ] [  ]\n"
-            "Delete Registry Key [ Software\\Acme ]\n");
-  R = RunZt(Dir.Path(), "actions:\n  - action: Read Registry Value\n    RegRoot: HKEY_CURRENT_USR\n", {},
-            "validate");
-  EXPECT_EQ(R.ExitCode, 2);
-  EXPECT_EQ(
-      R.Stderr,
-      "project.yml:3: Read Registry Value: property \"RegRoot\" expects an integer or one of "
-      "HKEY_CLASSES_ROOT, "
-      "HKEY_CURRENT_USER, HKEY_LOCAL_MACHINE, HKEY_USERS, HKEY_CURRENT_CONFIG, got \"HKEY_CURRENT_USR\"; did "
-      "you mean \"HKEY_CURRENT_USER\"?\n");
-}
-
 }  // namespace
 }  // namespace zt::testing

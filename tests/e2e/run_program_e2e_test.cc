@@ -49,7 +49,6 @@ TEST(RunProgramEndToEnd, TheExitCodeDecidesTheResultAndWhatIsLogged) {
       {Dos + "exit 7, EnableReturnCodeCheck: false", {}, Code(7), "success", {}},
       {Dos + "exit 0, CaptureOutput: false", {}, Code(0), "success", {}},
       {Dos + "kill -TERM $$", {}, Code(143), "failure", {}},
-      {Dos + "exit 0, LogOutput: false", {}, {}, "success", {}},  // an old project's LogOutput changes nothing
       // A time-out counts only when enabled and longer than 0 seconds.
       {Dos + "sleep 0.2, EnableTimeout: true, TimeoutLength: 0", {}, {}, "success", {}},
       {Dos + "sleep 1.2, EnableTimeout: false, TimeoutLength: 1", {}, {}, "success", {}},
@@ -213,20 +212,6 @@ actions:
   // A lone .bat name is quoted for the interpreter; another name is not: the shell looks for "./my".
   EXPECT_EQ(Said(R, "8"), Lines{"ran"});
   EXPECT_EQ(Messages(R, "9"), Lines{"Program returned code  : 127"});
-}
-
-TEST(RunProgramEndToEnd, ValidateNamesTheMissingSetting) {
-  TempDir D;
-  ZtResult R = RunZt(D.Path(), R"(actions:
-  - action: Execute Program
-  - action: Run DOS Command
-  - {action: Run DOS Command, Command: make}
-)",
-                     {}, "validate");
-  EXPECT_EQ(R.ExitCode, 1);
-  EXPECT_EQ(R.Stdout,
-            "1 Execute Program: Program: The program to execute has not been set\n"
-            "2 Run DOS Command: DOS Command: The DOS command has not been set\n");
 }
 
 }  // namespace

@@ -76,6 +76,11 @@ TEST(TextFindE2E, BadInputFailsWithAClearMessageAndKeepsTheFile) {
     const char* Properties;
     Lines Messages;
   } Cases[] = {
+      {"invalid regex",
+       "    SearchString: '(a'\n    MatchRegExpr: true\n",
+       {"An error occured:",
+        "A syntax error occured parsing the Regular Expression : missing closing parenthesis at offset 2"}},
+      {"empty search", "    SearchString: ''\n", {"An error occured:", "Search string is blank"}},
       {"missing file",
        "    SearchString: a\n    SourcePath: missing.txt\n",
        {"An error occured:", "Cannot open file \"missing.txt\". The system cannot find the file specified"}},
