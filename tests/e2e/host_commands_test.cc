@@ -1,7 +1,21 @@
-// zt validate, describe, actions and help, and the command line itself.
+// zt validate, describe, actions and help, the command line itself, and
+// projects refused before any action runs (exit 2, one line per error naming
+// the file and line). The palette test compares `zt actions --designer` and
+// `zt help` of every type with golden/palette.txt: a change there is one
+// users see; check it, then record it with ZT_UPDATE_GOLDEN=1 (tests/README.md).
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <regex>
+#include <sstream>
+#include <string>
+#include <vector>
+
 #include "ZtRunner.h"
+#include "support/Files.h"
 #include "support/TempDir.h"
 
 namespace zt::testing {
@@ -141,6 +155,138 @@ TEST(HostCommandsTest, VersionAndHelpWorkEverywhere) {
   EXPECT_NE(R.Stdout.find("--log-json"), std::string::npos);
   R = RunZtArgs(D.Path(), {});
   EXPECT_EQ(R.ExitCode, 2);
+}
+
+std::string FirstLine(const std::string& Text) { return Text.substr(0, Text.find('\n')); }
+
+TEST(HostLoadTest, ProjectsThatCannotRunExitTwoNamingFileAndLine) {
+  struct Row {
+    std::string Yaml;  // written to project.yml; "" runs Args alone
+    std::vector<std::string> Args;
+    std::string Error;  // the first line on standard error
+  } Rows[] = {
+      // Unknown names and bad values: EveryLoadErrorIsReportedOnItsOwnLine.
+      {"actions: [\n", {}, "project.yml:2: end of sequence flow not found"},
+      {"", {"run", "no-such.yml"}, "no-such.yml: cannot open the project file: No such file or directory"},
+      {"", {"run", "."}, ".: is a folder, not a project file"},
+      {"",
+       {"run", "empty.yml"},
+       "empty.yml:1: the project has no \"actions\" list (an empty project is \"actions: []\")"},
+      {"name: x\nactions:\n",
+       {},
+       "project.yml:2: the project has no \"actions\" list (an empty project is \"actions: []\")"},
+      {"actions:\n  - action: Delete File(s)\n    FileSpec: a\n    FileSpec: b\n",
+       {},
+       "project.yml:4: duplicate key \"FileSpec\" (first on line 3)"},
+      {"variables:\n  Out: a\n  OUT: b\nactions: []\n",
+       {},
+       "project.yml:3: variable \"OUT\" is defined on line 2 already (names ignore letter case)"},
+      {"variables:\n  a%b: 1\nactions: []\n",
+       {},
+       "project.yml:2: variable name \"a%b\" is not valid (letters, digits, _, . and -)"},
+      {"actions:\n  - {action: Read Registry Value, RegRoot: HKEY_CURRENT_USR}\n",
+       {},
+       "project.yml:2: Read Registry Value: property \"RegRoot\" expects an integer or one of "
+       "HKEY_CLASSES_ROOT, "
+       "HKEY_CURRENT_USER, HKEY_LOCAL_MACHINE, HKEY_USERS, HKEY_CURRENT_CONFIG, got \"HKEY_CURRENT_USR\"; "
+       "did you "
+       "mean \"HKEY_CURRENT_USER\"?"},
+      {"actions: []\n", {"--var", "NOEQUALS"}, "zt: --var expects NAME=VALUE, got \"NOEQUALS\""},
+      {"actions: []\n",
+       {"--var", "A B=1"},
+       "zt: --var \"A B=1\": \"A B\" is not a valid variable name (letters, digits, _, . and -)"},
+      // A self-containing alias used to crash every command; deep nesting said "bad file".
+      {"actions: &a [{action: Touch File(s), FileSpec: x, actions: *a}]\n",
+       {},
+       "project.yml:1: an alias refers to a node that contains it (anchor on line 1)"},
+      {"actions: []\nname: " + std::string(250, '[') + std::string(250, ']') + "\n",
+       {},
+       "project.yml:2: the project is nested more than 200 levels deep"},
+      {"actions: []\nname: " + std::string(600, '[') + std::string(600, ']') + "\n",
+       {},
+       "project.yml:2: the project is nested more than 200 levels deep"},
+      {"actions:\n  - {action: Touch File(s), FileSpec: x, actions: [{action: Delete File(s), FileSpec: "
+       "y}]}\n",
+       {},
+       "project.yml:2: Touch File(s) takes no child actions (only loops and flow-control actions do)"},
+  };
+  TempDir D;
+  std::ofstream(D / "empty.yml").close();
+  for (const Row& R : Rows) {
+    ZtResult Z = R.Yaml.empty() ? RunZtArgs(D.Path(), R.Args) : RunZt(D.Path(), R.Yaml, R.Args);
+    EXPECT_EQ(Z.ExitCode, 2) << R.Error;
+    EXPECT_EQ(FirstLine(Z.Stderr), R.Error);
+    EXPECT_EQ(Z.Stderr.size(), R.Error.size() + 1) << Z.Stderr;
+    EXPECT_EQ(Z.Stdout, "") << R.Error;
+    EXPECT_TRUE(Z.Events.empty()) << R.Error;
+  }
+}
+
+TEST(HostLoadTest, EveryLoadErrorIsReportedOnItsOwnLine) {
+  TempDir D;
+  ZtResult R = RunZt(D.Path(), R"(actions:
+  - action: Delete Files
+  - action: Delete File(s)
+    FileSepc: a
+    DeleteHidden: perhaps
+    title: one
+    title: two
+)",
+                     {}, "validate");
+  EXPECT_EQ(R.ExitCode, 2);
+  EXPECT_EQ(R.Stderr,
+            "project.yml:2: unknown action \"Delete Files\"; did you mean \"Delete File(s)\"?\n"
+            "project.yml:4: Delete File(s): unknown property \"FileSepc\"; did you mean \"FileSpec\"?\n"
+            "project.yml:5: Delete File(s): property \"DeleteHidden\" expects a Boolean (true or false), got "
+            "\"perhaps\"\n"
+            "project.yml:7: duplicate key \"title\" (first on line 6)\n");
+}
+
+TEST(HostLoadTest, StrictRunValidatesEveryEnabledActionBeforeTheFirstStarts) {
+  TempDir D;
+  const char* Yaml = R"(actions:
+  - action: Create Directory
+    FileOrDirectory: made
+  - action: Delete File(s)
+  - action: Delete File(s)
+    enabled: false
+)";
+  ZtResult R = RunZt(D.Path(), Yaml, {"--strict"});
+  EXPECT_EQ(R.ExitCode, 2);
+  EXPECT_EQ(R.Stderr, "2 Delete File(s): File Spec: The file spec has not been set\n");
+  EXPECT_FALSE(std::filesystem::exists(D / "made"));
+  R = RunZt(D.Path(), Yaml);  // without --strict the action handles its settings when it runs
+  EXPECT_EQ(R.ExitCode, 1);
+  EXPECT_TRUE(std::filesystem::exists(D / "made"));
+}
+
+TEST(RegistrationEndToEnd, PaletteAndHelpOfEveryTypeAreAsRecorded) {
+  TempDir Dir;
+  std::string Output = RunZtArgs(Dir.Path(), {"actions", "--designer"}).Stdout;
+  std::istringstream Palette(RunZtArgs(Dir.Path(), {"actions"}).Stdout);
+  for (std::string Line; std::getline(Palette, Line);) {
+    // The display name is the second column; columns are apart by two or more blanks.
+    const std::size_t Start = Line.find_first_not_of(' ', Line.find("  "));
+    Output +=
+        "\n" + RunZtArgs(Dir.Path(), {"help", Line.substr(Start, Line.find("  ", Start) - Start)}).Stdout;
+  }
+  // A default of "now" (Touch File(s)) differs from run to run.
+  const std::regex Now(R"(\d{4}-\d\d-\d\dT\d\d:\d\d:\d\d|\d\d/\d\d/\d{4} \d\d:\d\d:\d\d)");
+  Output = std::regex_replace(Output, Now, "<now>");
+  const std::string Golden = std::string(ZT_SOURCE_DIR) + "/tests/e2e/golden/palette.txt";
+  if (std::getenv("ZT_UPDATE_GOLDEN")) WriteText(Golden, Output);
+  // The first line that differs, rather than both texts whole.
+  auto Split = [](const std::string& Text) {
+    std::vector<std::string> Lines;
+    std::istringstream In(Text);
+    for (std::string L; std::getline(In, L);) Lines.push_back(L);
+    return Lines;
+  };
+  const auto Got = Split(Output), Want = Split(ReadText(Golden));
+  for (std::size_t I = 0; I < std::max(Got.size(), Want.size()); ++I)
+    ASSERT_EQ(I < Got.size() ? Got[I] : "(no line)", I < Want.size() ? Want[I] : "(no line)")
+        << "line " << I + 1 << " of golden/palette.txt; if the change is meant, record it: "
+        << "ZT_UPDATE_GOLDEN=1 ctest -R Registration";
 }
 
 }  // namespace

@@ -1,8 +1,13 @@
 // zt run through the real binary: exit codes, the JSON log, --var, host
-// settings and load errors.
+// settings, variables whose values refer to others, and Ctrl+C (the build
+// stops after the running action and exits 130; a second one ends it at
+// once, with its logs whole and no file half written).
 #include <gtest/gtest.h>
+#include <signal.h>
 
 #include <filesystem>
+#include <fstream>
+#include <string>
 
 #include "ZtRunner.h"
 #include "support/Files.h"
@@ -135,6 +140,123 @@ TEST(HostRunTest, MissingPackageExitsTwo) {
   ZtResult R = RunZt(D.Path(), "actions: []\n", {"--package", D / "none.so"});
   EXPECT_EQ(R.ExitCode, 2);
   EXPECT_EQ(R.Stderr.rfind("zt: cannot load the action package: ", 0), 0u) << R.Stderr;
+}
+
+TEST(HostVariablesTest, ValuesExpandTheirOwnReferencesOnceWhenUsed) {
+  struct Row {
+    std::string Reference, Folder, Error;  // Folder: the name made under out/; Error: the action's last line
+  } Rows[] = {
+      {"%DIST%", "app-1.4.2", ""},
+      {"%dist%-%PCT%", "app-1.4.2-100%", ""},
+      {"%TWICE%", "app-1.4.2-100%", ""},
+      {"%SHELL%", "$(pwd)", ""},
+      {"%RAW%", "%VERSION%", ""},  // the expanded value is not scanned again
+      {"%%DIST%%", "%DIST%", ""},
+      {"%COUNT%", "5", ""},
+      {"%A%", "", "Variables refer to each other in a cycle: A -> B -> A"},
+      {"%SELF%", "", "Variables refer to each other in a cycle: SELF -> SELF"},
+      {"%MISSING%", "", "Variable \"NOPE\" is not defined (used in the value of \"MISSING\")"},
+  };
+  std::string Yaml = R"(variables:
+  VERSION: 1.4.2
+  DIST: app-%VERSION%
+  PCT: 100%%
+  TWICE: "%DIST%-%PCT%"
+  SHELL: $$(pwd)
+  RAW: "%%VERSION%%"
+  COUNT: 5
+  A: x%B%
+  B: "%A%"
+  SELF: "%SELF%"
+  MISSING: "%NOPE%"
+actions:
+)";
+  for (const Row& R : Rows)
+    Yaml += "  - action: Create Directory\n    FileOrDirectory: \"out/" + R.Reference +
+            "\"\n    Force: true\n    ignoreFailure: true\n";
+  TempDir D;
+  ZtResult Run = RunZt(D.Path(), Yaml);
+  EXPECT_EQ(Run.ExitCode, 0) << Run.Stderr;
+  for (std::size_t I = 0; I < std::size(Rows); ++I) {
+    const Row& R = Rows[I];
+    std::string Id = std::to_string(I + 1);
+    if (R.Error.empty()) {
+      EXPECT_TRUE(fs::is_directory(D / ("out/" + R.Folder))) << R.Reference;
+      EXPECT_EQ(ActionResult(Run, Id), "success") << R.Reference;
+    } else {
+      auto Lines = StatusDetails(Run, Id);
+      EXPECT_EQ(Lines.empty() ? "" : Lines.back(), R.Error) << R.Reference;
+      EXPECT_EQ(ActionResult(Run, Id), "ignored") << R.Reference;
+    }
+  }
+  // Stored values stay as written.
+  EXPECT_EQ(Run.Events[Run.Events.size() - 2]["values"]["DIST"], "app-%VERSION%");
+}
+
+TEST(HostVariablesTest, TextsBecomeIntegersOnlyWhenTheyPrintTheSame) {
+  TempDir D;
+  ZtResult R = RunZt(
+      D.Path(), "variables:\n  BUILD: 007\n  N: 12\n  Q: \"12\"\n  RATE: 1.0\n  ON: TRUE\nactions: []\n",
+      {"--var", "ZIP=0456", "--var", "BIG=1e3", "--var", "NEG=-3", "--var", "PLUS=+3", "--var", "OFF=false"});
+  ASSERT_EQ(R.ExitCode, 0) << R.Stderr;
+  EXPECT_EQ(R.Events[R.Events.size() - 2]["values"],
+            nlohmann::json::parse(R"({"BUILD": "007", "N": 12, "Q": "12",
+      "RATE": "1.0", "ON": true, "ZIP": "0456", "BIG": "1e3", "NEG": -3, "PLUS": "+3", "OFF": false})"));
+}
+
+// Many quick actions, so the interrupt lands while the build runs.
+std::string ManyDeletes(int Count) {
+  std::string Yaml = "name: Long\nvariables:\n  MARK: set\nactions:\n";
+  for (int I = 0; I < Count; ++I)
+    Yaml += "  - action: Delete File(s)\n    FileSpec: nothing-" + std::to_string(I) +
+            ".tmp\n    FailIfNoFile: false\n";
+  return Yaml;
+}
+
+TEST(HostStopTest, InterruptStopsTheBuildBetweenActionsAndExits130) {
+  TempDir D;
+  const int Count = 20000;
+  ZtResult R = RunZtAndSignal(D.Path(), ManyDeletes(Count), "\"action-end\"", SIGINT);
+  ASSERT_EQ(R.ExitCode, 130) << R.Stderr;
+  ASSERT_GE(R.Events.size(), 3u);
+  const auto& End = R.Events.back();
+  EXPECT_EQ(End["event"], "build-end");
+  EXPECT_EQ(End["result"], "stopped");
+  const auto& Vars = R.Events[R.Events.size() - 2];
+  EXPECT_EQ(Vars["event"], "variables");
+  EXPECT_EQ(Vars["values"]["MARK"], "set");
+  // Every action that started also ended, and the last ones never started.
+  int Started = 0, Ended = 0;
+  for (const auto& E : R.Events) {
+    Started += E["event"] == "action-start";
+    Ended += E["event"] == "action-end";
+  }
+  EXPECT_EQ(Started, Ended);
+  EXPECT_GE(Started, 1);
+  EXPECT_LT(Started, Count);
+  EXPECT_EQ(ActionResult(R, std::to_string(Count)), "");
+}
+
+TEST(HostStopTest, SecondInterruptLeavesNoTemporaryFileAndEndsBothLogs) {
+  TempDir Shm("/dev/shm"), D;  // a huge source that costs neither disk nor memory
+  const std::string Big = (Shm.Path().empty() ? D.Path() : Shm.Path()) + "/huge.bin";
+  std::ofstream(Big).close();
+  std::filesystem::resize_file(Big, std::uintmax_t{64} << 30);
+  std::filesystem::create_directory(D / "out");
+  std::ofstream(D / "out/huge.bin") << "old";
+  ZtResult R = RunZtAndSignal(
+      D.Path(), "actions:\n  - action: Copy File(s)\n    FileSpec: " + Big + "\n    Target: out/huge.bin\n",
+      "\"Copying File :", SIGINT, 2);
+  EXPECT_EQ(R.ExitCode, 130);
+  ASSERT_FALSE(R.Events.empty());
+  EXPECT_EQ(R.Events.back()["event"], "build-end");
+  EXPECT_EQ(R.Events.back()["result"], "stopped");
+  EXPECT_NE(R.Stdout.find("Build stopped"), std::string::npos) << R.Stdout;
+  std::vector<std::string> Left;
+  for (const auto& E : std::filesystem::directory_iterator(D / "out")) Left.push_back(E.path().filename());
+  EXPECT_EQ(Left, std::vector<std::string>{"huge.bin"});
+  std::ifstream Old(D / "out/huge.bin");
+  EXPECT_EQ(std::string(std::istreambuf_iterator<char>(Old), {}), "old");
 }
 
 }  // namespace
