@@ -191,6 +191,11 @@ TEST(HostLoadTest, ProjectsThatCannotRunExitTwoNamingFileAndLine) {
        "HKEY_CURRENT_USER, HKEY_LOCAL_MACHINE, HKEY_USERS, HKEY_CURRENT_CONFIG, got \"HKEY_CURRENT_USR\"; "
        "did you "
        "mean \"HKEY_CURRENT_USER\"?"},
+      {"actions: [{action: Shell Execute, FileSpec: \"*.txt\"}]\n",
+       {},
+       "project.yml:1: Shell Execute: property \"FileSpec\": Wildcards are not allowed.  Use with the "
+       "FileIterator "
+       "action to perform action on multiple files."},
       {"actions: []\n", {"--var", "NOEQUALS"}, "zt: --var expects NAME=VALUE, got \"NOEQUALS\""},
       {"actions: []\n",
        {"--var", "A B=1"},

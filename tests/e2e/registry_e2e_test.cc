@@ -18,12 +18,17 @@ namespace {
 
 using Lines = std::vector<std::string>;
 
-// A test directory with a store in it; Run passes the store to zt.
+// A test directory with a store in it; Run and Command pass the store to zt.
 struct RegistryRun {
   TempDir Dir;
   std::string Store = Dir / "registry.json";
 
   ZtResult Run(const std::string& Project) { return RunZt(Dir.Path(), Project, {"--registry", Store}); }
+  ZtResult Command(std::vector<std::string> Args) {
+    Args.insert(Args.begin(), "registry");
+    Args.insert(Args.end(), {"--registry", Store});
+    return RunZtArgs(Dir.Path(), Args);
+  }
 };
 
 // One action on a key of HKEY_CURRENT_USER whose failure is ignored, with
@@ -45,12 +50,7 @@ const char* kAcmeStore = R"({
 TEST(RegistryEndToEnd, SetsEveryTypeAndReadsItBack) {
   RegistryRun T;
   ZtResult R = T.Run(R"(name: Registry
-variables:
-  APP: Acme
-  S: ""
-  I: 0
-  D: 0
-  B: false
+variables: {APP: Acme, S: "", I: 0, D: 0, B: false}
 actions:
   - {action: Set Registry Value, RegRoot: HKEY_CURRENT_USER, RegKey: Software\%APP%\Tool,
      RegValueName: Name, RegValue: "%APP% Tool", AllowCreateKey: true}
@@ -159,21 +159,6 @@ TEST(RegistryEndToEnd, DeletesValuesAndKeysWithoutSubKeys) {
   EXPECT_EQ(ReadText(T.Store), After);
 }
 
-TEST(RegistryEndToEnd, CorruptStoreFailsTheActionAndIsLeftAlone) {
-  RegistryRun T;
-  WriteText(T.Store, "{\"HKEY_CURRENT_USER\\\\A\": {\"n\": 1}}");
-  ZtResult R = T.Run(R"(name: Corrupt
-actions:
-  - {action: Set Registry Value, RegRoot: HKEY_CURRENT_USER, RegKey: A, RegValueName: n,
-     AllowCreateKey: true}
-)");
-  EXPECT_EQ(R.ExitCode, 1);
-  EXPECT_EQ(Messages(R, "1"),
-            Lines{T.Store + ": key \"HKEY_CURRENT_USER\\A\", value \"n\": must be an object "
-                            "{\"type\": ..., \"data\": ...}"});
-  EXPECT_EQ(ReadText(T.Store), "{\"HKEY_CURRENT_USER\\\\A\": {\"n\": 1}}");
-}
-
 // The action-end event of action Id.
 nlohmann::json ActionEnd(const ZtResult& R, const std::string& Id) {
   for (const auto& E : R.Events)
@@ -239,17 +224,6 @@ TEST(ComConditionEndToEnd, RunsSkipsOrFailsItsChildren) {
   EXPECT_NE(ReadText(Store).find("\"d\""), std::string::npos);
 }
 
-struct RegistryCli {
-  TempDir Dir;
-  std::string Store = Dir / "registry.json";
-
-  ZtResult Run(std::vector<std::string> Args) {
-    Args.insert(Args.begin(), "registry");
-    Args.insert(Args.end(), {"--registry", Store});
-    return RunZtArgs(Dir.Path(), Args);
-  }
-};
-
 // Latin-1 text as UTF-16 little-endian with its byte-order mark, as the
 // registry editor saves its files.
 std::string Utf16File(const std::string& Latin1) {
@@ -275,7 +249,7 @@ const char* kExported =
     "\r\n";
 
 TEST(RegistryCommand, RegFilesRoundTripThroughTheStore) {
-  RegistryCli T;
+  RegistryRun T;
   WriteText(T.Dir / "old.reg", "REGEDIT4\r\n\r\n[HKEY_CURRENT_USER\\Software\\Old]\r\n\"Gone\"=\"1\"\r\n");
   WriteText(T.Dir / "acme.reg",
             Utf16File("Windows Registry Editor Version 5.00\r\n\r\n"
@@ -293,8 +267,8 @@ TEST(RegistryCommand, RegFilesRoundTripThroughTheStore) {
                       "\"Drop\"=-\r\n\r\n"
                       "[HKEY_CURRENT_USER\\Software\\Acme\\Empty]\r\n"
                       "[-HKEY_CURRENT_USER\\Software\\Old]\r\n"));
-  ASSERT_EQ(T.Run({"import", "old.reg"}).ExitCode, 0);
-  ZtResult R = T.Run({"import", "acme.reg"});
+  ASSERT_EQ(T.Command({"import", "old.reg"}).ExitCode, 0);
+  ZtResult R = T.Command({"import", "acme.reg"});
   EXPECT_EQ(R.ExitCode, 0) << R.Stderr;
   EXPECT_EQ(R.Stdout, "Imported acme.reg into " + T.Store + "\n");
   const std::string Store = ReadText(T.Store);
@@ -312,14 +286,14 @@ TEST(RegistryCommand, RegFilesRoundTripThroughTheStore) {
 }
 )");
 
-  R = T.Run({"export", "HKEY_CURRENT_USER\\software\\ACME", "out.reg"});
+  R = T.Command({"export", "HKEY_CURRENT_USER\\software\\ACME", "out.reg"});
   EXPECT_EQ(R.ExitCode, 0) << R.Stderr;
   EXPECT_EQ(ReadText(T.Dir / "out.reg"), kExported);
   std::remove(T.Store.c_str());
-  EXPECT_EQ(T.Run({"import", "out.reg"}).ExitCode, 0);
+  EXPECT_EQ(T.Command({"import", "out.reg"}).ExitCode, 0);
   EXPECT_EQ(ReadText(T.Store), Store);
 
-  R = T.Run({"get", "HKEY_CURRENT_USER\\Software\\Acme"});
+  R = T.Command({"get", "HKEY_CURRENT_USER\\Software\\Acme"});
   EXPECT_EQ(R.Stdout,
             "HKEY_CURRENT_USER\\Software\\Acme\n"
             "    (Default)    REG_SZ    Acme \"Tool\" caf\xC3\xA9\n"
@@ -330,12 +304,13 @@ TEST(RegistryCommand, RegFilesRoundTripThroughTheStore) {
             "    Big    REG_QWORD    5000000000\n"
             "    Blob    REG_BINARY    000102030405060708090a0b0c0d0e0f10111213141516171819\n"
             "HKEY_CURRENT_USER\\Software\\Acme\\Empty\n");
-  EXPECT_EQ(T.Run({"get", "HKEY_CURRENT_USER\\Software\\Acme", "list"}).Stdout, "a\nb\n");
-  EXPECT_EQ(T.Run({"get", "HKEY_CURRENT_USER\\Software\\Acme", ""}).Stdout, "Acme \"Tool\" caf\xC3\xA9\n");
+  EXPECT_EQ(T.Command({"get", "HKEY_CURRENT_USER\\Software\\Acme", "list"}).Stdout, "a\nb\n");
+  EXPECT_EQ(T.Command({"get", "HKEY_CURRENT_USER\\Software\\Acme", ""}).Stdout,
+            "Acme \"Tool\" caf\xC3\xA9\n");
 }
 
 TEST(RegistryCommand, BadRegFilesAreNamedWithTheirLineAndChangeNothing) {
-  RegistryCli T;
+  RegistryRun T;
   const std::string V5 = "Windows Registry Editor Version 5.00\r\n\r\n";
   const std::string Key = "[HKEY_CURRENT_USER\\A]\r\n";
   const struct {
@@ -359,34 +334,43 @@ TEST(RegistryCommand, BadRegFilesAreNamedWithTheirLineAndChangeNothing) {
   for (const auto& C : Cases) {
     SCOPED_TRACE(C.Text);
     WriteText(T.Dir / "bad.reg", C.Text);
-    ZtResult R = T.Run({"import", "bad.reg"});
+    ZtResult R = T.Command({"import", "bad.reg"});
     EXPECT_EQ(R.ExitCode, 2);
     EXPECT_EQ(R.Stderr, C.Error + "\n");
     EXPECT_FALSE(Exists(T.Store));
   }
 }
 
-TEST(RegistryCommand, MissingKeysValuesAndCorruptStoresFail) {
-  RegistryCli T;
+TEST(RegistryCommand, MissingKeysValuesAndCorruptStoresFailAndChangeNothing) {
+  RegistryRun T;
   WriteText(T.Store, "{\"HKEY_CURRENT_USER\\\\Software\\\\Acme\": {}}");
-  ZtResult R = T.Run({"get", "HKEY_CURRENT_USER\\Software\\Nowhere"});
+  ZtResult R = T.Command({"get", "HKEY_CURRENT_USER\\Software\\Nowhere"});
   EXPECT_EQ(R.ExitCode, 1);
   EXPECT_EQ(R.Stderr, "zt: HKEY_CURRENT_USER\\Software\\Nowhere: no such key in " + T.Store + "\n");
-  R = T.Run({"get", "HKEY_CURRENT_USER\\Software\\Acme", "Name"});
+  R = T.Command({"get", "HKEY_CURRENT_USER\\Software\\Acme", "Name"});
   EXPECT_EQ(R.ExitCode, 1);
   EXPECT_EQ(R.Stderr, "zt: HKEY_CURRENT_USER\\Software\\Acme: no value \"Name\" in " + T.Store + "\n");
-  R = T.Run({"export", "HKCU\\Software"});
+  R = T.Command({"export", "HKCU\\Software"});
   EXPECT_EQ(R.ExitCode, 2);
   EXPECT_EQ(R.Stderr,
             "zt: \"HKCU\\Software\" does not start with a root key (HKEY_CLASSES_ROOT, "
             "HKEY_CURRENT_USER, HKEY_LOCAL_MACHINE, HKEY_USERS or HKEY_CURRENT_CONFIG)\n");
   WriteText(T.Store, "{\"HKEY_CURRENT_USER\\\\Software\\\\Acme\": {}");
-  R = T.Run({"get", "HKEY_CURRENT_USER\\Software\\Acme"});
+  R = T.Command({"get", "HKEY_CURRENT_USER\\Software\\Acme"});
   EXPECT_EQ(R.ExitCode, 1);
   EXPECT_EQ(R.Stderr,
             "zt: " + T.Store +
                 ":1:41: not valid JSON: syntax error while parsing object - unexpected end of input; "
                 "expected '}'\n");
+  // The store is left alone when an action finds it corrupt.
+  WriteText(T.Store, "{\"HKEY_CURRENT_USER\\\\A\": {\"n\": 1}}");
+  R = T.Run(
+      "actions: [{action: Set Registry Value, RegRoot: HKEY_CURRENT_USER, RegKey: A, RegValueName: n}]\n");
+  EXPECT_EQ(R.ExitCode, 1);
+  EXPECT_EQ(Messages(R, "1"),
+            Lines{T.Store + ": key \"HKEY_CURRENT_USER\\A\", value \"n\": must be an object "
+                            "{\"type\": ..., \"data\": ...}"});
+  EXPECT_EQ(ReadText(T.Store), "{\"HKEY_CURRENT_USER\\\\A\": {\"n\": 1}}");
 }
 
 }  // namespace

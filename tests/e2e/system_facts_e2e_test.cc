@@ -133,16 +133,6 @@ TEST(ShellExecuteEndToEnd, VerbsRunTheirCommands) {
                                      "specified file for this operation"}));
 }
 
-TEST(ShellExecuteEndToEnd, AFileSpecWithWildcardsIsRefused) {
-  TempDir D;
-  ZtResult R = RunZt(D.Path(), "actions:\n  - action: Shell Execute\n    FileSpec: \"*.txt\"\n");
-  EXPECT_EQ(R.ExitCode, 2);
-  EXPECT_NE(R.Stderr.find("Wildcards are not allowed.  Use with the FileIterator action to perform action on "
-                          "multiple files."),
-            std::string::npos)
-      << R.Stderr;
-}
-
 TEST(CloseProcessEndToEnd, MessagesBecomeSignalsAndAStubbornProcessIsTerminated) {
   TempDir D;
   TestProcess Quit({"/bin/sleep", "60"});

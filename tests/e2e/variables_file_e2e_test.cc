@@ -17,11 +17,7 @@ TEST(VariablesFileE2E, SavedVariablesLoadBackWithTheirTypesInTheNextBuild) {
   TempDir D;
   WriteText(D / "vars.ini", "[ZTVariables]\r\nGONE=1\r\n[Other]\r\nk=v\r\n");
   ZtResult Save = RunZt(D.Path(), R"(
-variables:
-  VER: 1.4.2
-  COUNT: 7
-  ON: true
-  DIST: dist/app-%VER%
+variables: {VER: 1.4.2, COUNT: 7, ON: true, DIST: dist/app-%VER%}
 actions:
   - {action: Save Variables to INI, INIFile: vars.ini, Variables: [VER, COUNT, ON, DIST]}
 )");
@@ -32,11 +28,7 @@ actions:
             "[Other]\r\nk=v\r\n[ZTVariables]\r\nVER=1.4.2\r\nCOUNT=7\r\nON=True\r\nDIST=dist/app-1.4.2\r\n");
 
   ZtResult Load = RunZt(D.Path(), R"(
-variables:
-  VER: "0"
-  COUNT: 0
-  ON: false
-  DIST: ""
+variables: {VER: "0", COUNT: 0, ON: false, DIST: ""}
 actions:
   - {action: Load Variables from INI, INIFile: vars.ini, Variables: [VER, COUNT, ON, DIST],
      VariableTypes: [string, INTEGER, Boolean, STRING]}
@@ -52,13 +44,7 @@ TEST(VariablesFileE2E, LoadedValuesFallBackByTypeAndAreNeverExpanded) {
   // Duplicate keys: the first one wins.
   WriteText(D / "v.ini", "[Build]\nB1=maybe\nB2=yes\nB3=0\nI1=12abc\nI2=$1F\nS=%PATH% $(x)\nS=second\n");
   ZtResult R = RunZt(D.Path(), R"(
-variables:
-  B1: true
-  B2: abc
-  B3: true
-  I1: 5
-  I2: 0
-  S: ""
+variables: {B1: true, B2: abc, B3: true, I1: 5, I2: 0, S: ""}
 actions:
   - {action: Load Variables from INI, INIFile: v.ini, SectionName: Build,
      Variables: [B1, B2, B3, I1, I2, S],
@@ -124,9 +110,7 @@ TEST(VariablesFileE2E, SaveStopsAtTheFirstBadNameKeepingWhatItWrote) {
   WriteText(D / "locked.ini", "[ZTVariables]\r\n");
   chmod((D / "locked.ini").c_str(), 0444);
   ZtResult R = RunZt(D.Path(), R"(
-variables:
-  A: a
-  LOOP: "%LOOP%"
+variables: {A: a, LOOP: "%LOOP%"}
 actions:
   - {action: Save Variables to INI, INIFile: v.ini, Variables: [A, LOOP, NOPE], EraseSection: false,
      ignoreFailure: true}
@@ -142,12 +126,7 @@ actions:
 TEST(LogVariablesE2E, LogsAllSortedOrTheChosenOnes) {
   TempDir D;
   ZtResult R = RunZt(D.Path(), R"(
-variables:
-  beta: 2
-  Alpha: "%beta%-x"
-  BAD: "%NOPE%"
-  WHICH: beta
-  gamma: true
+variables: {beta: 2, Alpha: "%beta%-x", BAD: "%NOPE%", WHICH: beta, gamma: true}
 actions:
   - {action: Log Variable Values, LogAllVariables: true}
   - {action: Log Variable Values, VariableStorageString: "Alpha\n%WHICH%\n\nmissing\nBAD",
@@ -171,9 +150,7 @@ TEST(ReplaceVariablesE2E, ReplacesInAFileAndWritesItBackWithCrLfLines) {
   WriteText(D / "app.conf", "version=%VER%\nname=%NAME% %VER%\r\nliteral=100%%\rlast");
   WriteText(D / "plain.txt", "no references\nhere");
   ZtResult R = RunZt(D.Path(), R"(
-variables:
-  VER: 1.4.2
-  NAME: "zt %VER%"
+variables: {VER: 1.4.2, NAME: "zt %VER%"}
 actions:
   - {action: Replace Variables, SourceFile: app.conf, WriteToLog: true}
   - {action: Replace Variables, SourceFile: plain.txt}
@@ -193,10 +170,7 @@ TEST(ReplaceVariablesE2E, MovesTextsBetweenVariablesAndFiles) {
   TempDir D;
   WriteText(D / "tpl.txt", "v=%VER%");
   ZtResult R = RunZt(D.Path(), R"(
-variables:
-  VER: 2
-  TPL: "a=%VER%\nb=%%"
-  OUT: ""
+variables: {VER: 2, TPL: "a=%VER%\nb=%%", OUT: ""}
 actions:
   - {action: Replace Variables, SourceType: rfVariable, SourceVariable: TPL, WriteBackToSource: false,
      DestType: rfVariable, DestVariable: OUT}
