@@ -1,11 +1,11 @@
 // "Copy File(s)" and "Move File(s)" through zt: the lines each run logs, its
 // result, and every file afterwards (a copy carries the archive bit, stored
 // as 0x20), one table row per rule.
-#include <dirent.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <sys/xattr.h>
 
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -37,8 +37,6 @@ TEST(CopyMoveEndToEnd, CopyRules) {
       {Copy + "FileSpec: src/*, Target: out", {"src/.dot=d", "src/sys=s [0x6]", "src/dir/", "out/"},
        {"Copying files : src/* -> out", "2 Files Copied."}, "success",
        {"out/.dot=d [0x20]", "out/sys=s [0x26]", "src/.dot=d", "src/dir/", "src/sys=s [0x6]"}},
-      {Copy + "FileSpec: src/dir, Target: out", {"src/dir/a.txt=a", "out/"},
-       {"Copying files : src/dir -> out", "0 Files Copied."}, "success", {"out/", "src/dir/a.txt=a"}},
       {Copy + "FileSpec: 'no dir/*.txt', Target: out", {}, {"Copying files : no dir/*.txt -> out", "0 Files Copied."},
        "success", {}},
       {Copy + "FileSpec: src/*.none, Target: out, FailIfZeroFiles: true", Src,
@@ -59,11 +57,6 @@ TEST(CopyMoveEndToEnd, CopyRules) {
       {Copy + "FileSpec: a.txt, Target: b.txt, OverwriteReadOnly: true, ClearAttributes: true",
        {"a.txt=new [ro]", "b.txt=old [ro] [0x20]"}, {"Copying files : a.txt -> b.txt", "1 Files Copied."},
        "success", {"a.txt=new [ro]", "b.txt=new"}},
-      {Copy + "FileSpec: src/*.txt, Target: src/", {"src/a.txt=alpha"},
-       {"Copying files : src/*.txt -> src/", "Failed to copy File : src/a.txt -> src/a.txt",
-        "Win32 Error : The process cannot access the file because it is being used by another process",
-        "0 Files Copied."},
-       "failure", {"src/a.txt=alpha"}},
       // Target directories: made only with Force, and only where files go.
       {Copy + "FileSpec: src/*.txt, Target: out/new", {"src/a.txt=alpha"},
        {"Copying files : src/*.txt -> out/new", "Failed to copy File : src/a.txt -> out/new/a.txt",
@@ -115,15 +108,6 @@ TEST(CopyMoveEndToEnd, MoveRules) {
        {"Moving files : src/a.txt -> made", "1 Files Moved."}, "success", {"made/a.txt=a", "src/"}},
       {Move + "FileSpec: src/*.txt, Target: out, ClearAttributes: true", {"src/a.txt=a [ro] [0x20]", "out/"},
        {Header, "1 Files Moved."}, "success", {"out/a.txt=a", "src/"}},
-      // A failed move is logged and the run goes on, unless StopOnAnyErrors.
-      {Move + "FileSpec: src/*.txt, Target: out", {"src/a.txt=a"},
-       {Header, " --> Error Moving File : src/a.txt -> out/a.txt", " --> The system cannot find the path specified",
-        "0 Files Moved."},
-       "success", {"src/a.txt=a"}},
-      {Move + "FileSpec: src/*.txt, Target: out, StopOnAnyErrors: true", {"src/a.txt=a"},
-       {Header, " --> Error Moving File : src/a.txt -> out/a.txt", " --> The system cannot find the path specified",
-        "0 Files Moved."},
-       "failure", {"src/a.txt=a"}},
       {Move + "FileSpec: src/*.txt, Target: out, FailIfZeroFiles: true", {"out/"}, {Header, "0 Files Moved."},
        "failure", {"out/"}},
       // Empty texts are a silent success; an expansion that fails is logged.
@@ -157,22 +141,12 @@ TEST(CopyMoveEndToEnd, MoveRules) {
   // clang-format on
 }
 
-// Names in Dir in the order the file system lists them, which is the order
-// a search visits them.
-Lines DirectoryOrder(const std::string& Dir) {
-  Lines Names;
-  if (DIR* D = opendir(Dir.c_str())) {
-    while (dirent* E = readdir(D))
-      if (E->d_name[0] != '.') Names.push_back(E->d_name);
-    closedir(D);
-  }
-  return Names;
-}
-
 TEST(CopyMoveEndToEnd, MoveRulesThatDependOnTheOrderOfTheSearch) {
   TempDir D;
   MakeTree(D.Path(), {"one/a.txt=a", "one/b.txt=b", "two/a.txt=a", "two/b.txt=b"});
-  const Lines One = DirectoryOrder(D / "one"), Two = DirectoryOrder(D / "two");
+  Lines One, Two;  // in the order a search visits them
+  for (const auto& E : std::filesystem::directory_iterator(D / "one")) One.push_back(E.path().filename());
+  for (const auto& E : std::filesystem::directory_iterator(D / "two")) Two.push_back(E.path().filename());
   // The first of two files moved onto themselves is read-only: from then on
   // every existing target is made normal, the second's stored bits too.
   chmod((D / ("two/" + Two[0])).c_str(), 0444);
@@ -194,14 +168,13 @@ TEST(CopyMoveEndToEnd, CopyLogsOneProgressLinePerFile) {
   ZtResult R = RunZt(D.Path(), R"(actions:
   - {action: Copy File(s), FileSpec: src/*.txt, Target: tree, Recurse: true, Force: true}
 )");
-  std::vector<std::pair<std::string, int>> Progress;
+  Lines Progress;
   for (const auto& E : R.Events)
-    if (E.value("event", "") == "progress") Progress.emplace_back(E["text"], E["percent"]);
-  ASSERT_EQ(Progress.size(), 4u);
-  EXPECT_EQ(Progress[0], std::make_pair(std::string("Copying File : src/a.txt to : tree/a.txt"), 0));
-  EXPECT_EQ(Progress[1], std::make_pair(std::string("Copying File : src/a.txt to : tree/a.txt"), 100));
-  EXPECT_EQ(Progress[3],
-            std::make_pair(std::string("Copying File : src/sub/b.txt to : tree/sub/b.txt"), 100));
+    if (E.value("event", "") == "progress")
+      Progress.push_back(E.value("text", "") + " " + E["percent"].dump());
+  const std::string A = "Copying File : src/a.txt to : tree/a.txt",
+                    B = "Copying File : src/sub/b.txt to : tree/sub/b.txt";
+  EXPECT_EQ(Progress, (Lines{A + " 0", A + " 100", B + " 0", B + " 100"}));
 }
 
 }  // namespace

@@ -124,12 +124,11 @@ TEST(MoveDirectoryEndToEnd, MovesWithinAndAcrossFileSystemsKeepingAttributesAndT
   EXPECT_EQ(StatusDetails(R, "2"),
             (Lines{"Moving directory : staged -> " + Moved, "Moving across volumes : copying and deleting",
                    "Directory Moved."}));
-  EXPECT_FALSE(fs::exists(Dir / "staged"));
-  EXPECT_EQ(Dir.Read("outside/keep.txt"), "keep");  // the link was copied through, not emptied
-  EXPECT_EQ(Other.Read("staged/sub/link/keep.txt"), "keep");
-  EXPECT_EQ(Other.Read("staged/sub/deep/b.txt"), "b");
-  EXPECT_EQ(fs::status(Moved + "/sub/deep/b.txt").permissions() & fs::perms::owner_write, fs::perms::none);
-  EXPECT_EQ(fs::status(Moved + "/sub/deep").permissions() & fs::perms::owner_write, fs::perms::none);
+  // The link was copied through, not emptied.
+  EXPECT_EQ(ListNames(Dir.Path()), (Lines{"log.jsonl", "outside", "project.yml"}));
+  EXPECT_EQ(Tree(Dir / "outside"), Lines{"keep.txt=keep"});
+  EXPECT_EQ(Tree(Moved), (Lines{"a.txt=a", "sub/deep/b.txt=b [ro]", "sub/link/keep.txt=keep"}));
+  EXPECT_EQ(ModeOf(Moved + "/sub/deep") & 0200, 0u);
   EXPECT_EQ(std::chrono::duration_cast<std::chrono::seconds>(fs::last_write_time(Moved + "/sub/deep") - Stamp)
                 .count(),
             0);
@@ -151,7 +150,7 @@ TEST(MoveDirectoryEndToEnd, AFailedCopyAcrossFileSystemsKeepsTheSourceWhole) {
                    "Moving across volumes : copying and deleting",
                    " --> Error Moving Directory : out -> " + Other.Path() + "/out",
                    " --> Error Copying File : out/sub/pipe", " --> Access is denied"}));
-  EXPECT_FALSE(fs::exists(Other / "out"));
+  EXPECT_EQ(ListNames(Other.Path()), Lines{});
   EXPECT_EQ(Dir.Read("out/a.txt"), "a");
   EXPECT_EQ(Dir.Read("out/sub/deep/b.txt"), "b");
 }
@@ -184,21 +183,22 @@ TEST(MoveDirectoryEndToEnd, RefusesWhatWouldLoseData) {
   ExpectCases(Rows);
 }
 
-TEST(MoveDirectoryEndToEnd, ReplacesAnExistingDirectoryOnlyWhenAsked) {
-  TempDir Dir;
-  MakeOut(Dir);
-  MakeTree(Dir.Path(), {"dist/old/stale.txt=stale [ro]"});
-  ZtResult R = RunZt(Dir.Path(), R"(actions:
-  - {action: Move Directory, FileOrDirectory: out/sub/, Target: dist/old, ReplaceExisting: true}
-  - {action: Move Directory, FileOrDirectory: dist/old, Target: new/parents/here, Force: true}
-)");
-  EXPECT_EQ(R.ExitCode, 0) << R.Stderr;
-  EXPECT_EQ(StatusDetails(R, "1"), (Lines{"Moving directory : out/sub -> dist/old",
-                                          "Replacing existing directory : dist/old", "Directory Moved."}));
-  EXPECT_EQ(Tree(Dir / "new"),
-            (Lines{"parents/here/deep/b.txt=b [ro]", "parents/here/link -> ../../outside"}));
-  EXPECT_EQ(Tree(Dir / "outside"), Lines{"keep.txt=keep"});
-  EXPECT_EQ(ListNames(Dir / "dist"), Lines{});  // nothing set aside is left behind
+TEST(MoveDirectoryEndToEnd, ReplacesAnExistingDirectoryOrMakesParentsWhenAsked) {
+  Lines Before = kOut, After = {"out/a.txt=a", "out/dangling -> /no/such/file", "outside/keep.txt=keep",
+                                "dist/old/deep/b.txt=b [ro]", "dist/old/link -> ../../outside"};
+  Before.push_back("dist/old/stale.txt=stale [ro]");
+  const std::string Move = "action: Move Directory, FileOrDirectory: ";
+  // Nothing set aside is left behind.
+  // clang-format off
+  ExpectCases({
+      {Move + "out/sub/, Target: dist/old, ReplaceExisting: true", Before,
+       {"Moving directory : out/sub -> dist/old", "Replacing existing directory : dist/old", "Directory Moved."},
+       "success", After},
+      {Move + "dist/old, Target: new/parents/here, Force: true", {"dist/old/a.txt=a"},
+       {"Moving directory : dist/old -> new/parents/here", "Directory Moved."}, "success",
+       {"dist/", "new/parents/here/a.txt=a"}},
+  });
+  // clang-format on
 }
 
 TEST(RenameEndToEnd, RenamesInPlaceOrSaysWhyNot) {

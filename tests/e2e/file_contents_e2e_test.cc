@@ -21,8 +21,7 @@ TEST(ConcatEndToEnd, JoinsPartsInNameOrderWithSeparatorsAndOneByteOrderMark) {
   TempDir Dir;
   MakeTree(Dir.Path(), {"parts/b.txt=" + kBom + "b", "parts/a.txt=" + kBom + "a\0x"s,
                         "parts/c.txt=", "extra.bin=e" + kBom + "mid"});
-  ZtResult R = RunZt(Dir.Path(), R"(name: Bundle
-actions:
+  ZtResult R = RunZt(Dir.Path(), R"(actions:
   - action: Concatenate Files
     SourceFiles: |
       parts/*.txt
@@ -63,25 +62,18 @@ TEST(ConcatEndToEnd, FailuresWriteNothing) {
 }
 
 TEST(GetFileSizeEndToEnd, SumsFilesSpecificationsAndTrees) {
-  TempDir Dir;
-  MakeTree(Dir.Path(), {"d/a.txt=aaa", "d/.hidden=hh", "d/sub/b.txt=bbbbb",
-                        "elsewhere/big.txt=" + std::string(1000, 'x'), "d/link -> ../elsewhere"});
-  ZtResult R = RunZt(Dir.Path(), R"(name: Sizes
-actions:
-  - {action: Get File Size, FileName: d/a.txt}
-  - {action: Get File Size, FileName: d/*.txt, Recurse: true}
-  - {action: Get File Size, FileName: d/, ZTVariable: SIZE}
-  - {action: Get File Size, FileName: d/none*, FailIfMissing: false}
-  - {action: Get File Size, FileName: d/none*}
-)");
-  EXPECT_EQ(R.ExitCode, 1);
-  EXPECT_EQ(Messages(R, "1"), Lines{"Size of d/a.txt : 3 bytes in 1 files"});
-  EXPECT_EQ(Messages(R, "2"), Lines{"Size of d/*.txt : 8 bytes in 2 files"});
-  EXPECT_EQ(Messages(R, "3"), Lines{"Size of d/ : 10 bytes in 3 files"});
-  EXPECT_EQ(Messages(R, "4"), Lines{"Size of d/none* : 0 bytes in 0 files"});
-  EXPECT_EQ(Messages(R, "5"), Lines{"No file matches : d/none*"});
-  EXPECT_EQ(ActionResult(R, "5"), "failure");
-  EXPECT_EQ(FinalVariables(R)["SIZE"], 10);
+  const Lines Here = {"d/a.txt=aaa", "d/.hidden=hh", "d/sub/b.txt=bbbbb",
+                      "elsewhere/big.txt=" + std::string(1000, 'x'), "d/link -> ../elsewhere"};
+  const std::string Size = "action: Get File Size, FileName: ";
+  // clang-format off
+  ExpectCases({
+      {Size + "d/a.txt", Here, {"Size of d/a.txt : 3 bytes in 1 files"}, "success", Here},
+      {Size + "d/*.txt, Recurse: true", Here, {"Size of d/*.txt : 8 bytes in 2 files"}, "success", Here},
+      {Size + "d/, ZTVariable: SIZE", Here, {"Size of d/ : 10 bytes in 3 files"}, "success", Here, R"({"SIZE": 10})"},
+      {Size + "d/none*, FailIfMissing: false", Here, {"Size of d/none* : 0 bytes in 0 files"}, "success", Here},
+      {Size + "d/none*", Here, {"No file matches : d/none*"}, "failure", Here},
+  });
+  // clang-format on
 }
 
 TEST(FileCompareEndToEnd, AnswersEqualOrSaysWhereTheyDiffer) {
@@ -96,24 +88,22 @@ TEST(FileCompareEndToEnd, AnswersEqualOrSaysWhereTheyDiffer) {
     Lines Messages;
   };
   const std::vector<Case> Cases = {
+      // clang-format off
       {"a", "a2", "cmBinary", {"Files are identical : a = a2"}},
       {"a", "hard", "cmBinary", {"Files are identical : a = hard"}},
       {"a", "longer", "cmBinary", {"Files differ : a <> longer", "Sizes differ : 3 and 4 bytes"}},
       {"big1", "big2", "cmBinary", {"Files differ : big1 <> big2", "First difference at byte 262144"}},
       {"win.txt", "unix.txt", "cmText", {"Files are identical : win.txt = unix.txt"}},
       {"win.txt", "mac.txt", "cmText", {"Files differ : win.txt <> mac.txt", "First difference at line 3"}},
-      {"unix.txt",
-       "win.txt",
-       "cmBinary",
-       {"Files differ : unix.txt <> win.txt", "Sizes differ : 13 and 17 bytes"}},
+      {"unix.txt", "win.txt", "cmBinary", {"Files differ : unix.txt <> win.txt", "Sizes differ : 13 and 17 bytes"}},
       {"a", "missing", "cmBinary", {"ERROR - File missing: missing"}},
+      // clang-format on
   };
-  std::string Project = "name: Compare\nactions:\n";
+  std::string Project = "actions:\n";
   for (const Case& C : Cases)
-    Project += "  - action: File Compare\n    FileName: " + C.First + "\n    CompareToFile: " + C.Second +
-               "\n    CompareMode: " + C.Mode + "\n    ZTVariable: SAME\n    ignoreFailure: true\n";
-  Project +=
-      "  - action: File Compare\n    FileName: a\n    CompareToFile: longer\n    FailIfDifferent: false\n";
+    Project += "  - {action: File Compare, FileName: " + C.First + ", CompareToFile: " + C.Second +
+               ", CompareMode: " + C.Mode + ", ZTVariable: SAME, ignoreFailure: true}\n";
+  Project += "  - {action: File Compare, FileName: a, CompareToFile: longer, FailIfDifferent: false}\n";
   ZtResult R = RunZt(Dir.Path(), Project);
   EXPECT_EQ(R.ExitCode, 0) << R.Stderr;
   for (std::size_t I = 0; I < Cases.size(); ++I) {

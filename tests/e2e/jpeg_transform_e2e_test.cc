@@ -3,11 +3,11 @@
 // orientation, and files it refuses without touching them.
 #include <gtest/gtest.h>
 
-#include <filesystem>
 #include <string>
 #include <vector>
 
 #include "ZtRunner.h"
+#include "support/Files.h"
 #include "support/JpegImages.h"
 #include "support/TempDir.h"
 
@@ -16,8 +16,9 @@ namespace {
 
 using Lines = std::vector<std::string>;
 
+// One transform, in flow style; a failure is logged and the run goes on.
 std::string Action(const std::string& Properties) {
-  return "  - action: JPEG Lossless Transform\n    ignoreFailure: true\n" + Properties;
+  return "  - {action: JPEG Lossless Transform, ignoreFailure: true, " + Properties + "}\n";
 }
 
 bool IsMarkedCorner(const TJpegPicture& P, int X, int Y) { return P.At(X, Y)[2] > 200; }
@@ -35,16 +36,12 @@ int Orientation(const std::string& Jpeg) {
 TEST(JpegTransformEndToEnd, QuarterTurnsMoveTheImageAndFourGiveBackTheOriginal) {
   TempDir D;
   const std::string Original = MakeJpeg(64, 32);
-  std::filesystem::create_directories(D / "src/sub");
-  D.Write("src/a.jpg", Original);
-  D.Write("src/sub/b.jpg", Original);
-  D.Write("c.jpg", Original);
+  for (const char* F : {"src/a.jpg", "src/sub/b.jpg", "c.jpg"}) WriteText(D / F, Original);
   std::string Yaml =
-      "actions:\n" + Action(
-                         "    FileSpec: src/*.jpg\n    Recurse: true\n    OutputDirectory: out\n"
-                         "    Transform: jtRotate90\n");
+      "actions:\n" +
+      Action("FileSpec: src/*.jpg, Recurse: true, OutputDirectory: out, Transform: jtRotate90");
   for (int I = 0; I < 4; ++I)
-    Yaml += Action("    FileSpec: c.jpg\n    Transform: jtRotate90\n    OverwriteExisting: true\n");
+    Yaml += Action("FileSpec: c.jpg, Transform: jtRotate90, OverwriteExisting: true");
   ZtResult R = RunZt(D.Path(), Yaml);
   EXPECT_EQ(StatusDetails(R, "1"),
             (Lines{"Transforming JPEG files : src/*.jpg", "src/a.jpg -> out/a.jpg (32x64)",
@@ -60,24 +57,15 @@ TEST(JpegTransformEndToEnd, QuarterTurnsMoveTheImageAndFourGiveBackTheOriginal) 
 TEST(JpegTransformEndToEnd, PartialEdgeBlocksAreTrimmedKeptOrRefused) {
   TempDir D;
   D.Write("odd.jpg", MakeJpeg(40, 32, TJSAMP_420));  // 4:2:0 blocks are 16 wide
-  const struct {
-    std::string Options, Detail;
-  } Cases[] = {
-      {"", "odd.jpg -> odd_1.jpg (32x32)"},
-      {"    Trim: false\n", "odd.jpg -> odd_2.jpg (40x32)"},
-      {"    Trim: false\n    Perfect: true\n", " --> Error Transforming File : odd.jpg"},
-  };
-  std::string Yaml = "actions:\n";
-  for (std::size_t I = 0; I < std::size(Cases); ++I)
-    Yaml += Action("    FileSpec: odd.jpg\n    FileNameSuffix: _" + std::to_string(I + 1) +
-                   "\n    Transform: jtFlipHorizontal\n" + Cases[I].Options);
-  ZtResult R = RunZt(D.Path(), Yaml);
-  for (std::size_t I = 0; I < std::size(Cases); ++I)
-    EXPECT_EQ(StatusDetails(R, std::to_string(I + 1))[1], Cases[I].Detail);
+  const std::string Flip = "FileSpec: odd.jpg, Transform: jtFlipHorizontal, FileNameSuffix: ";
+  ZtResult R = RunZt(D.Path(), "actions:\n" + Action(Flip + "_1") + Action(Flip + "_2, Trim: false") +
+                                   Action(Flip + "_3, Trim: false, Perfect: true"));
+  EXPECT_EQ(StatusDetails(R, "1")[1], "odd.jpg -> odd_1.jpg (32x32)");
+  EXPECT_EQ(StatusDetails(R, "2")[1], "odd.jpg -> odd_2.jpg (40x32)");
   EXPECT_EQ(StatusDetails(R, "3"),
             (Lines{"Transforming JPEG files : odd.jpg", " --> Error Transforming File : odd.jpg",
                    " --> tjTransform(): Transform is not perfect", "0 Files Transformed."}));
-  EXPECT_FALSE(std::filesystem::exists(D / "odd_3.jpg"));
+  EXPECT_FALSE(Exists(D / "odd_3.jpg"));
 }
 
 TEST(JpegTransformEndToEnd, CropsStartOnTheBlockGridOfTheTransformedImage) {
@@ -85,12 +73,13 @@ TEST(JpegTransformEndToEnd, CropsStartOnTheBlockGridOfTheTransformedImage) {
   D.Write("a.jpg", MakeJpeg(64, 48));
   D.Write("b.jpg", MakeJpeg(64, 32));
   ZtResult R = RunZt(
-      D.Path(), "actions:\n" +
-                    Action("    FileSpec: a.jpg\n    FileNameSuffix: _c\n    Crop: true\n"
-                           "    CropLeft: 20\n    CropTop: 10\n    CropWidth: 30\n    CropHeight: 20\n") +
-                    // 32 wide and 64 high once turned: the crop lies below the source's height.
-                    Action("    FileSpec: b.jpg\n    FileNameSuffix: _c\n    Transform: jtRotate90\n"
-                           "    Crop: true\n    CropLeft: 8\n    CropTop: 40\n"));
+      D.Path(),
+      "actions:\n" +
+          Action("FileSpec: a.jpg, FileNameSuffix: _c, Crop: true, CropLeft: 20, CropTop: 10, CropWidth: 30, "
+                 "CropHeight: 20") +
+          // 32 wide and 64 high once turned: the crop lies below the source's height.
+          Action("FileSpec: b.jpg, FileNameSuffix: _c, Transform: jtRotate90, Crop: true, CropLeft: 8, "
+                 "CropTop: 40"));
   EXPECT_EQ(StatusDetails(R, "1"), (Lines{"Transforming JPEG files : a.jpg", "Crop adjusted to 16,0 34x30",
                                           "a.jpg -> a_c.jpg (34x30)", "1 Files Transformed."}));
   EXPECT_EQ(StatusDetails(R, "2")[1], "Crop adjusted to 0,32 32x32");
@@ -101,17 +90,13 @@ TEST(JpegTransformEndToEnd, OrientationIsUsedAndResetAndMarkersFollowTheOptions)
   TempDir D;
   D.Write("le.jpg", MakeJpeg(64, 32, TJSAMP_420, 6, false));
   D.Write("be.jpg", MakeJpeg(64, 32, TJSAMP_444, 6, true));
-  const std::string Out = "    OutputDirectory: out\n    FileNameSuffix: _";
-  ZtResult R =
-      RunZt(D.Path(), "actions:\n" +
-                          Action("    FileSpec: le.jpg\n" + Out + "auto\n    Transform: jtAutoOrient\n") +
-                          Action("    FileSpec: be.jpg\n" + Out + "reset\n    Transform: jtRotate180\n") +
-                          Action("    FileSpec: be.jpg\n" + Out +
-                                 "kept\n    Transform: jtRotate180\n"
-                                 "    ResetOrientation: false\n") +
-                          Action("    FileSpec: be.jpg\n" + Out +
-                                 "none\n    CopyMarkers: jmNone\n"
-                                 "    Grayscale: true\n    Progressive: true\n"));
+  const std::string Out = ", OutputDirectory: out, FileNameSuffix: _";
+  ZtResult R = RunZt(
+      D.Path(),
+      "actions:\n" + Action("FileSpec: le.jpg, Transform: jtAutoOrient" + Out + "auto") +
+          Action("FileSpec: be.jpg, Transform: jtRotate180" + Out + "reset") +
+          Action("FileSpec: be.jpg, Transform: jtRotate180, ResetOrientation: false" + Out + "kept") +
+          Action("FileSpec: be.jpg, CopyMarkers: jmNone, Grayscale: true, Progressive: true" + Out + "none"));
   const std::string Auto = D.Read("out/le_auto.jpg");
   EXPECT_EQ(StatusDetails(R, "1")[1], "le.jpg -> out/le_auto.jpg (32x64)");
   EXPECT_TRUE(IsMarkedCorner(ReadJpeg(Auto), 31, 0));
@@ -132,33 +117,26 @@ TEST(JpegTransformEndToEnd, FilesItCannotTransformFailAndStayAsTheyWere) {
   D.Write("cut.jpg", Truncated);
   D.Write("png.jpg", std::string("\x89PNG\r\n\x1A\n\0\0\0\x0DIHDR", 16));
   D.Write("good.jpg", Good);
+  const std::string Head = "Transforming JPEG files : ", None = "0 Files Transformed.";
+  const std::string NoMatch = "No files were found matching the file spec.";
   const struct {
     std::string Properties;
     Lines Details;
     std::string Result;
   } Cases[] = {
-      {"    FileSpec: cut.jpg\n    OverwriteExisting: true\n    Transform: jtRotate90\n",
-       {"Transforming JPEG files : cut.jpg", " --> Error Transforming File : cut.jpg",
-        " --> Premature end of JPEG file", "0 Files Transformed."},
+      // clang-format off
+      {"FileSpec: cut.jpg, OverwriteExisting: true, Transform: jtRotate90",
+       {Head + "cut.jpg", " --> Error Transforming File : cut.jpg", " --> Premature end of JPEG file", None},
        "ignored"},
-      {"    FileSpec: png.jpg\n    OverwriteExisting: true\n",
-       {"Transforming JPEG files : png.jpg", " --> Not a JPEG file : png.jpg", "0 Files Transformed."},
+      {"FileSpec: png.jpg, OverwriteExisting: true", {Head + "png.jpg", " --> Not a JPEG file : png.jpg", None},
        "ignored"},
-      {"    FileSpec: good.jpg\n    Transform: jtRotate90\n",
-       {"Transforming JPEG files : good.jpg", " --> Output file exists : good.jpg", "0 Files Transformed."},
+      {"FileSpec: good.jpg, Transform: jtRotate90", {Head + "good.jpg", " --> Output file exists : good.jpg", None},
        "ignored"},
-      {"    FileSpec: none*.jpg\n",
-       {"Transforming JPEG files : none*.jpg", "No files were found matching the file spec.",
-        "0 Files Transformed."},
-       "ignored"},
-      {"    FileSpec: none*.jpg\n    FailIfNoFiles: false\n",
-       {"Transforming JPEG files : none*.jpg", "No files were found matching the file spec.",
-        "0 Files Transformed."},
-       "success"},
-      {"    FileSpec: good.jpg\n    Crop: true\n    CropLeft: -8\n",
-       {"Transforming JPEG files : good.jpg", "Error: Crop values cannot be negative.",
-        "0 Files Transformed."},
-       "ignored"},
+      {"FileSpec: none*.jpg", {Head + "none*.jpg", NoMatch, None}, "ignored"},
+      {"FileSpec: none*.jpg, FailIfNoFiles: false", {Head + "none*.jpg", NoMatch, None}, "success"},
+      {"FileSpec: good.jpg, Crop: true, CropLeft: -8",
+       {Head + "good.jpg", "Error: Crop values cannot be negative.", None}, "ignored"},
+      // clang-format on
   };
   std::string Yaml = "actions:\n";
   for (const auto& C : Cases) Yaml += Action(C.Properties);
@@ -169,9 +147,8 @@ TEST(JpegTransformEndToEnd, FilesItCannotTransformFailAndStayAsTheyWere) {
   }
   EXPECT_EQ(D.Read("cut.jpg"), Truncated);
   EXPECT_EQ(D.Read("good.jpg"), Good);
-  std::size_t Entries = 0;
-  for ([[maybe_unused]] const auto& E : std::filesystem::directory_iterator(D.Path())) ++Entries;
-  EXPECT_EQ(Entries, 5u);  // the three images, the project and its log: no temporary file left
+  // The three images, the project and its log: no temporary file left.
+  EXPECT_EQ(ListNames(D.Path()), (Lines{"cut.jpg", "good.jpg", "log.jsonl", "png.jpg", "project.yml"}));
 }
 
 }  // namespace

@@ -165,12 +165,8 @@ TEST(RobocopyEndToEnd, ExitBitsAddUpAndFatalStandsAlone) {
 
 TEST(RobocopyEndToEnd, MirrorPurgesExtrasButNotExcludedOnes) {
   TempDir Dir;
-  Write(Dir / "src/a.txt", "a");
-  Write(Dir / "src/sub/b.txt", "b");
-  Write(Dir / "dst/old.txt", "old");
-  Write(Dir / "dst/build.log", "log");
-  Write(Dir / "dst/gone/deep/c.txt", "c");
-  chmod((Dir / "dst/gone/deep/c.txt").c_str(), 0444);
+  MakeTree(Dir.Path(), {"src/a.txt=a", "src/sub/b.txt=b", "dst/old.txt=old", "dst/build.log=log",
+                        "dst/gone/deep/c.txt=c [ro]"});
   ZtResult R = Robocopy(Dir, {"src", "dst", "/MIR", "/XF", "*.log"});
   EXPECT_EQ(R.ExitCode, 3) << R.Stdout;
   const Lines Out = OutputLines(R);
@@ -185,10 +181,7 @@ TEST(RobocopyEndToEnd, MirrorPurgesExtrasButNotExcludedOnes) {
                    "Files : 2 total, 2 copied, 0 skipped, 0 mismatched, 0 failed, 1 extra",
                    "Bytes : 2 total, 2 copied, 0 skipped, 0 mismatched, 0 failed, 3 extra"}));
   EXPECT_EQ(Out.back().rfind("Time : ", 0), 0u);
-  EXPECT_EQ(ReadText(Dir / "dst/build.log"), "log");
-  EXPECT_FALSE(fs::exists(Dir / "dst/old.txt"));
-  EXPECT_FALSE(fs::exists(Dir / "dst/gone"));
-  EXPECT_EQ(ReadText(Dir / "dst/sub/b.txt"), "b");
+  EXPECT_EQ(Tree(Dir / "dst"), (Lines{"a.txt=a [0x20]", "build.log=log", "sub/b.txt=b [0x20]"}));
 }
 
 TEST(RobocopyEndToEnd, NeitherTreeIsWalkedIntoOrPurgedThroughTheOther) {
@@ -221,10 +214,9 @@ TEST(RobocopyEndToEnd, MoveTakesWhatTheDestinationHoldsAndLeavesSkippedFiles) {
   Write(Dir / "src/sub/deep/x.txt", "x");
   ZtResult R = Robocopy(Dir, {"src", "dst", "/MOVE", "/S", "/XO"});
   EXPECT_EQ(R.ExitCode, 1) << R.Stdout;
-  EXPECT_EQ(ListNames(Dir / "src"), Lines{"older.txt"});
-  EXPECT_EQ(ReadText(Dir / "dst/new.txt"), "n");
-  EXPECT_EQ(ReadText(Dir / "dst/sub/deep/x.txt"), "x");
-  EXPECT_EQ(ReadText(Dir / "dst/older.txt"), "O");
+  EXPECT_EQ(Tree(Dir / "src"), Lines{"older.txt=o"});
+  EXPECT_EQ(Tree(Dir / "dst"),
+            (Lines{"new.txt=n [0x20]", "older.txt=O", "same.txt=s", "sub/deep/x.txt [0x20]"}));
 }
 
 TEST(RobocopyEndToEnd, ManyThreadsLogWhatOneThreadLogs) {
@@ -249,28 +241,21 @@ TEST(RobocopyEndToEnd, ManyThreadsLogWhatOneThreadLogs) {
 
 TEST(RobocopyEndToEnd, AJobFileGivesPathsAndSwitchesTheCommandLineAddsTo) {
   TempDir Dir;
-  Write(Dir / "my src/app.dll", "dll");
-  Write(Dir / "my src/app.pdb", "pdb");
-  Write(Dir / "my src/obj/x.dll", "obj");
-  Write(Dir / "my src/lib/y.dll", "y");
-  Write(Dir / "out/stale.dll", "old");
-  Write(Dir / "release.rcj", ":: saved\n/SD:my src\t:: the source\n/DD:out\n/IF\n  *.dll\n/XD\n  obj\n/S\n");
+  MakeTree(Dir.Path(),
+           {"my src/app.dll=dll", "my src/app.pdb=pdb", "my src/obj/x.dll=obj", "my src/lib/y.dll=y",
+            "out/stale.dll=old",
+            "release.rcj=:: saved\n/SD:my src\t:: the source\n/DD:out\n/IF\n  *.dll\n/XD\n  obj\n/S\n"});
   ZtResult R = Robocopy(Dir, {"/JOB:release", "/PURGE", "/NJH", "/NJS"});
   EXPECT_EQ(R.ExitCode, 3) << R.Stdout;
-  EXPECT_EQ(ListNames(Dir / "out"), (Lines{"app.dll", "lib"}));
-  EXPECT_EQ(ReadText(Dir / "out/lib/y.dll"), "y");
+  EXPECT_EQ(Tree(Dir / "out"), (Lines{"app.dll=dll [0x20]", "lib/y.dll=y [0x20]"}));
   EXPECT_EQ(Robocopy(Dir, {"/JOB:missing", "/PURGE"}).Stdout,
             "ERROR : Cannot read the job file : missing.RCJ\n");
 }
 
 TEST(RobocopyActionsEndToEnd, SwitchesFromPropertiesAndOptionsAndTheExitCodeJudged) {
   TempDir Dir;
-  WriteText(Dir / "src/a.txt", "a");
-  WriteText(Dir / "src/sub/b.txt", "b");
-  WriteText(Dir / "src/skip.log", "log");
-  WriteText(Dir / "mirror/stale.txt", "stale");
-  ZtResult R = RunZt(Dir.Path(), R"(name: Copies
-options:
+  MakeTree(Dir.Path(), {"src/a.txt=a", "src/sub/b.txt=b", "src/skip.log=log", "mirror/stale.txt=stale"});
+  ZtResult R = RunZt(Dir.Path(), R"(options:
   TZTRobocopyOptions:
     DefaultRetryWait: 0
 actions:
@@ -288,29 +273,26 @@ actions:
             "Copying with the built-in engine : src mirror /MIR /XF '*.log' /R:3 /W:0 /NJH /NJS /NP");
   EXPECT_EQ(Mirror.back(), "Robocopy exit code : 3 (files copied, extra files or directories)");
   EXPECT_EQ(ActionResult(R, "1"), "success");
-  EXPECT_FALSE(fs::exists(Dir / "mirror/stale.txt"));
-  EXPECT_FALSE(fs::exists(Dir / "mirror/skip.log"));
-  EXPECT_EQ(ReadText(Dir / "mirror/sub/b.txt"), "b");
+  EXPECT_EQ(Tree(Dir / "mirror"), (Lines{"a.txt=a [0x20]", "sub/b.txt=b [0x20]"}));
 
   EXPECT_EQ(Messages(R, "2"),
             (Lines{"Copying with the built-in engine : src copy '*.txt' /S /LEV:1 /R:0 /W:0 /MT:2 "
                    "/NJH /NJS /NP",
                    "New File : a.txt (1 bytes)", "Robocopy exit code : 1 (files copied)"}));
   EXPECT_EQ(ActionResult(R, "2"), "ignored");  // FailureLevel 1: any copy fails the action
-  EXPECT_FALSE(fs::exists(Dir / "copy/sub"));
+  EXPECT_EQ(Tree(Dir / "copy"), Lines{"a.txt=a [0x20]"});
 
   ASSERT_FALSE(Messages(R, "3").empty());
   EXPECT_EQ(Messages(R, "3").front(),
             "Copying with the built-in engine : src/sub moved /MOVE /R:3 /W:0 /NJH /NJS");
-  EXPECT_FALSE(fs::exists(Dir / "src/sub"));
-  EXPECT_EQ(ReadText(Dir / "moved/b.txt"), "b");
+  EXPECT_EQ(Tree(Dir / "src"), (Lines{"a.txt=a", "skip.log=log"}));
+  EXPECT_EQ(Tree(Dir / "moved"), Lines{"b.txt=b [0x20]"});
 }
 
 TEST(RobocopyActionsEndToEnd, TheSystemToolFallsBackToTheBuiltInEngineOnPosix) {
   TempDir Dir;
   WriteText(Dir / "src/a.txt", "a");
-  ZtResult R = RunZt(Dir.Path(), R"(name: System tool
-options:
+  ZtResult R = RunZt(Dir.Path(), R"(options:
   TZTRobocopyOptions:
     Engine: reSystemTool
 actions:
@@ -327,8 +309,7 @@ TEST(RobocopyActionsEndToEnd, CtrlCInTheMiddleOfAMirrorLeavesEveryFileWhole) {
   const std::string Block(256 * 1024, 'z');
   for (int I = 0; I < 400; ++I)
     WriteText(Dir / ("src/f" + std::to_string(I) + ".bin"), Block + std::to_string(I));
-  ZtResult R = RunZtAndSignal(Dir.Path(), R"(name: Stop
-actions:
+  ZtResult R = RunZtAndSignal(Dir.Path(), R"(actions:
   - {action: Robocopy Mirror, Source: src, Destination: dst}
 )",
                               "New File", SIGINT);

@@ -34,16 +34,8 @@ TEST(VersionInfoEndToEnd, ReadsVersionsAndStringsOfPE32AndPE32PlusImages) {
   // No translation: the first table.
   D.Write("plain.dll", PEImage(false, {{0x0409, VersionResource({1, 0, 0, 0}, {1, 0, 0, 0}, Both, {})}}));
   ZtResult R = RunZt(D.Path(), R"(actions:
-  - action: Extract Version Info
-    FileName: app32.dll
-    ZTVariable: V
-    MajorVariable: MA
-    MinorVariable: MI
-    ReleaseVariable: RE
-    BuildVariable: BU
-    StringValues: |
-      CompanyName=COMPANY
-      LegalTrademarks=TM
+  - {action: Extract Version Info, FileName: app32.dll, ZTVariable: V, MajorVariable: MA, MinorVariable: MI,
+     ReleaseVariable: RE, BuildVariable: BU, StringValues: "CompanyName=COMPANY\nLegalTrademarks=TM"}
   - {action: Extract Version Info, FileName: app32.dll, ZTVariable: PV, VersionSource: vsProductVersion,
      BuildVariable: PBU}
   - {action: Extract Version Info, FileName: app32.dll, ZTVariable: FVS, VersionSource: vsFileVersionString}
@@ -63,19 +55,10 @@ TEST(VersionInfoEndToEnd, ReadsVersionsAndStringsOfPE32AndPE32PlusImages) {
   EXPECT_EQ(Messages(R, "4"), (Lines{"Version of app64.exe is de"}));
   EXPECT_EQ(Messages(R, "6"), (Lines{"Version string not found : ProductVersion"}));
   EXPECT_EQ(ActionResult(R, "6"), "ignored");
-  const auto V = FinalVariables(R);
-  EXPECT_EQ(V["V"], "1.2.3.4");
-  EXPECT_EQ(V["MA"], 1);
-  EXPECT_EQ(V["MI"], 2);
-  EXPECT_EQ(V["RE"], 3);
-  EXPECT_EQ(V["BU"], 4);
-  EXPECT_EQ(V["TM"], "");
-  EXPECT_EQ(V["PBU"], 65535);
-  EXPECT_EQ(V["FVS"], "1.2.3.4-beta");
-  EXPECT_EQ(V["EN"], "en");  // the English resource's English table
-  EXPECT_EQ(V["ENBU"], 1);
-  EXPECT_EQ(V["DE"], "");
-  EXPECT_EQ(V["FIRST"], "en");
+  // The English resource's English table for EN; the first table for FIRST.
+  EXPECT_EQ(FinalVariables(R), nlohmann::json::parse(R"({"V": "1.2.3.4", "MA": 1, "MI": 2, "RE": 3, "BU": 4,
+      "COMPANY": "Acme \u00a9 2024 \ud83d\ude80", "TM": "", "PV": "5.6.7.65535", "PBU": 65535, "FVS": "1.2.3.4-beta",
+      "FVS64": "de", "EN": "en", "ENBU": 1, "DE": "", "FIRST": "en"})"));
 }
 
 TEST(VersionInfoEndToEnd, FilesWithoutUsableVersionInformationGiveTheirOwnLine) {
