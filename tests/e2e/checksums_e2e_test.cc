@@ -17,14 +17,8 @@ namespace {
 using Lines = std::vector<std::string>;
 
 // Files and their checksums (from zlib and coreutils).
-const Lines kFiles = {"check.txt=123456789",
-                      "copy.txt=123456789",
-                      "first=first",
-                      "second=second",
-                      "empty=",
-                      "ones=x|\xe9#s",
-                      "small=y\xd9"
-                      "a:\xc7"};
+const Lines kFiles = {"check.txt=123456789", "copy.txt=123456789",  "first=first", "second=second", "empty=",
+                      "ones=x|\xe9#s",       "small=y\xd9\x61:\xc7"};
 const std::string kCheckMD5 = "25F9E794323B453885F5181F1B624D0B";  // of "123456789"
 
 TEST(ChecksumsEndToEnd, CRC32Rules) {

@@ -61,9 +61,7 @@ TEST(FileSetCopyMoveEndToEnd, CopiesAndMovesFilesKeepingTheirPathsBelowTheBase) 
   TempDir D;
   MakeTree(D.Path(), {"src/a.txt=a", "src/sub/b.txt=b", "src/sub/deep/c.txt=c", "src/sub/skip.log=log"});
   ZtResult R = RunZt(D.Path(), R"(filesets:
-  Texts:
-    base: src
-    include: ["**/*.txt"]
+  Texts: {base: src, include: ["**/*.txt"]}
 actions:
   - {action: FileSet Copy/Move, FileSetName: texts, TargetDir: out/tree}
   - {action: FileSet Copy/Move, FileSetName: Texts, TargetDir: flat, KeepStructure: false}
@@ -127,16 +125,11 @@ TEST(FileSetCopyMoveEndToEnd, RefusesBeforeCopyingWhatWouldOverlapOrCollide) {
   TempDir D;
   MakeTree(D.Path(), {"out/old.txt=previous run", "a/x.txt=a", "b/x.txt=b"});
   ZtResult R = RunZt(D.Path(), R"(filesets:
-  All:
-    base: .
-    include: ["**/*.txt"]
-  Sources:
-    base: .
-    include: ["a/*", "b/*"]
+  All: {base: ., include: ["**/*.txt"]}
+  Sources: {base: ., include: ["a/*", "b/*"]}
 actions:
   - {action: FileSet Copy/Move, FileSetName: All, TargetDir: out, ignoreFailure: true}
-  - {action: FileSet Copy/Move, FileSetName: Sources, TargetDir: flat, KeepStructure: false,
-     ignoreFailure: true}
+  - {action: FileSet Copy/Move, FileSetName: Sources, TargetDir: flat, KeepStructure: false, ignoreFailure: true}
   - {action: FileSet Copy/Move, FileSetName: Nope, TargetDir: flat, ignoreFailure: true}
   - {action: FileSet Copy/Move, FileSetName: All, TargetDir: "%NOPE%/out", ignoreFailure: true}
 )");
@@ -160,9 +153,7 @@ TEST(FileSetCopyMoveEndToEnd, AStopEndsTheCopyWithoutAPartialTarget) {
   WriteText(D / "src/z.txt", "z");  // after huge.bin in the set's order
   ASSERT_EQ(truncate(D.Write("src/huge.bin", "").c_str(), 1LL << 30), 0);  // sparse: no disk used
   ZtResult R = RunZtAndSignal(D.Path(), R"(filesets:
-  S:
-    base: src
-    include: ["*"]
+  S: {base: src, include: ["*"]}
 actions:
   - {action: FileSet Copy/Move, FileSetName: S, TargetDir: out}
 )",

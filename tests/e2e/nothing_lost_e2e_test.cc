@@ -37,29 +37,14 @@ bool SameDevice(const std::string& A, const std::string& B) {
   return stat(A.c_str(), &SA) == 0 && stat(B.c_str(), &SB) == 0 && SA.st_dev == SB.st_dev;
 }
 
-// A tmpfs of a few MiB mounted on a temporary directory (root only).
-class SmallDisk {
- public:
-  explicit SmallDisk(int KiB) {
-    Mounted_ =
-        mount("tmpfs", Dir_.Path().c_str(), "tmpfs", 0, ("size=" + std::to_string(KiB) + "k").c_str()) == 0;
-  }
-  ~SmallDisk() {
-    if (Mounted_) umount2(Dir_.Path().c_str(), MNT_DETACH);
-  }
-  bool Mounted() const { return Mounted_; }
-  std::string operator/(const std::string& Name) const { return Dir_ / Name; }
-  const std::string& Path() const { return Dir_.Path(); }
-
- private:
-  TempDir Dir_;
-  bool Mounted_ = false;
-};
-
 TEST(NothingLost, MoveOntoAFullDiskKeepsTheOldTarget) {
-  SmallDisk Disk(2048);
-  if (!Disk.Mounted()) GTEST_SKIP() << "mounting a small tmpfs needs root";
-  TempDir Dir;
+  TempDir Disk, Dir;  // Disk: a tmpfs of 2 MiB
+  if (mount("tmpfs", Disk.Path().c_str(), "tmpfs", 0, "size=2048k") != 0)
+    GTEST_SKIP() << "mounting needs root";
+  const struct Unmount {
+    std::string Path;
+    ~Unmount() { umount2(Path.c_str(), MNT_DETACH); }
+  } Mounted{Disk.Path()};
   WriteText(Dir / "report.dat", std::string(3 << 20, 'n'));
   WriteText(Disk / "report.dat", "last week's report");
   ZtResult R =

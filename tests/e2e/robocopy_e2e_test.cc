@@ -144,13 +144,10 @@ TEST(RobocopyEndToEnd, ExitBitsAddUpAndFatalStandsAlone) {
   for (const Row& Case : Rows) {
     TempDir Dir;
     Write(Dir / "src/a.txt", "a");
-    Write(Dir / "dst/a.txt", "a");
-    Write(Dir / "dst/extra.txt", "x");
-    Write(Dir / "src/sub/fifo.txt", "f");
-    fs::create_directories(Dir / "dst/sub");
+    Write(Dir / "dst/a.txt", "a");  // the same file, to the nanosecond
+    MakeTree(Dir.Path(),
+             {"dst/extra.txt=x", "src/sub/fifo.txt=f", "dst/sub/", "src/mm/in.txt=m", "dst/mm=not a dir"});
     mkfifo((Dir / "dst/sub/fifo.txt").c_str(), 0644);
-    Write(Dir / "src/mm/in.txt", "m");
-    Write(Dir / "dst/mm", "not a directory");
     ZtResult R = Robocopy(Dir, Case.Args);
     EXPECT_EQ(R.ExitCode, Case.Code) << Case.What << "\n" << R.Stdout;
     if (!Case.Output.empty()) {
@@ -187,7 +184,7 @@ TEST(RobocopyEndToEnd, MirrorPurgesExtrasButNotExcludedOnes) {
 TEST(RobocopyEndToEnd, NeitherTreeIsWalkedIntoOrPurgedThroughTheOther) {
   {  // destination inside the source
     TempDir Dir;
-    Write(Dir / "src/a.txt", "a");
+    MakeTree(Dir.Path(), {"src/a.txt=a"});
     ZtResult R = Robocopy(Dir, {"src", "src/copy", "/E", "/NJH", "/NJS"});
     EXPECT_EQ(R.ExitCode, 1);
     EXPECT_EQ(OutputLines(R), (Lines{"New File : a.txt (1 bytes)",
@@ -196,11 +193,10 @@ TEST(RobocopyEndToEnd, NeitherTreeIsWalkedIntoOrPurgedThroughTheOther) {
   }
   {  // a mirror onto a parent of the source keeps the source
     TempDir Dir;
-    Write(Dir / "top/stage/a.txt", "a");
+    MakeTree(Dir.Path(), {"top/stage/a.txt=a"});
     ZtResult R = Robocopy(Dir, {"top/stage", "top", "/MIR", "/NJH", "/NJS"});
     EXPECT_EQ(R.ExitCode, 3);
-    EXPECT_EQ(ReadText(Dir / "top/stage/a.txt"), "a");
-    EXPECT_EQ(ReadText(Dir / "top/a.txt"), "a");
+    EXPECT_EQ(Tree(Dir / "top"), (Lines{"a.txt=a [0x20]", "stage/a.txt=a"}));
   }
 }
 
