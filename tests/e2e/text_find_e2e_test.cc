@@ -27,10 +27,6 @@ ProgressLines ProgressEvents(const ZtResult& R, const std::string& Id) {
   return P;
 }
 
-std::string Action(const std::string& Properties) {
-  return "actions:\n  - action: Text Find / Replace\n" + Properties;
-}
-
 TEST(TextFindE2E, ReplaceRewritesTheFileAsCrLfLinesKeepingModeAndByteOrderMark) {
   TempDir D;
   D.Write("app.ini", "\xEF\xBB\xBFVersion=1.0\nname=app");
@@ -54,18 +50,12 @@ actions:
 TEST(TextFindE2E, OnFindTextScriptSeesEachMatchAndChoosesItsReplacement) {
   TempDir D;
   D.Write("v.txt", "v1 v2 v3");
-  ZtResult R = RunZt(D.Path(), Action(R"(
-    SourcePath: v.txt
-    SearchString: 'v(\d)'
-    MatchRegExpr: true
-    Substitute: true
-    ReplacementText: 'w$1'
-    ReplacementMode: trOriginalFile
-    scripts:
-      OnFindText: |
-        Log(math.type(Count) .. " " .. Count .. " " .. math.type(Offset) .. " " .. Offset .. " " .. FoundText .. ">" .. ReplaceText)
-        if Count == 2 then ReplaceText = "two" end
-)"));
+  ZtResult R = RunZt(D.Path(), R"(actions:
+  - {action: Text Find / Replace, SourcePath: v.txt, SearchString: 'v(\d)', MatchRegExpr: true, Substitute: true,
+     ReplacementText: 'w$1', ReplacementMode: trOriginalFile, scripts: {OnFindText: '
+       Log(table.concat({math.type(Count), Count, math.type(Offset), Offset, FoundText .. ">" .. ReplaceText}, " "))
+       if Count == 2 then ReplaceText = "two" end'}}
+)");
   ASSERT_EQ(R.ExitCode, 0) << R.Stdout << R.Stderr;
   EXPECT_EQ(Messages(R, "1"),
             (Lines{"integer 1 integer 0 v1>w1", "integer 2 integer 3 v2>w2", "integer 3 integer 6 v3>w3",
@@ -74,49 +64,37 @@ TEST(TextFindE2E, OnFindTextScriptSeesEachMatchAndChoosesItsReplacement) {
 }
 
 TEST(TextFindE2E, BadInputFailsWithAClearMessageAndKeepsTheFile) {
-  struct Case {
-    const char* Name;
-    const char* Properties;
+  const std::string Error = "An error occured:";
+  const struct {
+    std::string Properties;  // SourcePath is a.txt unless given
     Lines Messages;
   } Cases[] = {
-      {"invalid regex",
-       "    SearchString: '(a'\n    MatchRegExpr: true\n",
-       {"An error occured:",
-        "A syntax error occured parsing the Regular Expression : missing closing parenthesis at offset 2"}},
-      {"empty search", "    SearchString: ''\n", {"An error occured:", "Search string is blank"}},
-      {"missing file",
-       "    SearchString: a\n    SourcePath: missing.txt\n",
-       {"An error occured:", "Cannot open file \"missing.txt\". The system cannot find the file specified"}},
-      {"directory",
-       "    SearchString: a\n    SourcePath: .\n",
-       {"An error occured:", "Cannot open file \".\". Access is denied"}},
-      {"read-only file",
-       "    SearchString: a\n    ReplacementMode: trOriginalFile\n    SourcePath: readonly.txt\n",
-       {"Found 1 match.", "Writing replaced data to file readonly.txt",
-        "An error occured:", "Unable to delete destination file."}},
-      {"blank output",
-       "    SearchString: a\n    ReplacementMode: trDestinationFile\n    DestinationFile: ' '\n",
-       {"Found 1 match.", "An error occured:", "Output filename is blank."}},
-      {"variable and file set",
-       "    SearchString: a\n    UseVariable: true\n    UseFileSet: true\n",
+      // clang-format off
+      {"SearchString: '(a', MatchRegExpr: true",
+       {Error, "A syntax error occured parsing the Regular Expression : missing closing parenthesis at offset 2"}},
+      {"SearchString: ''", {Error, "Search string is blank"}},
+      {"SearchString: a, SourcePath: missing.txt",
+       {Error, "Cannot open file \"missing.txt\". The system cannot find the file specified"}},
+      {"SearchString: a, SourcePath: .", {Error, "Cannot open file \".\". Access is denied"}},
+      {"SearchString: a, ReplacementMode: trOriginalFile, SourcePath: readonly.txt",
+       {"Found 1 match.", "Writing replaced data to file readonly.txt", Error, "Unable to delete destination file."}},
+      {"SearchString: a, ReplacementMode: trDestinationFile, DestinationFile: ' '",
+       {"Found 1 match.", Error, "Output filename is blank."}},
+      {"SearchString: a, UseVariable: true, UseFileSet: true",
        {"Error: Both \"Use Variable\" and \"Use FileSet\" are enabled."}},
-      {"file set to one file",
-       "    SearchString: a\n    UseFileSet: true\n    ReplacementMode: trDestinationFile\n",
+      {"SearchString: a, UseFileSet: true, ReplacementMode: trDestinationFile",
        {"Error: Action is configured to search across a FileSet but output to a single destination file. "
         "Invalid combination."}},
-      {"unknown file set",
-       "    SearchString: a\n    UseFileSet: true\n    FileSetName: Nope\n",
-       {"An error occured:", "FileSet Nope not found."}},
+      {"SearchString: a, UseFileSet: true, FileSetName: Nope", {Error, "FileSet Nope not found."}},
+      // clang-format on
   };
-  for (const Case& C : Cases) {
-    SCOPED_TRACE(C.Name);
+  for (const auto& C : Cases) {
+    SCOPED_TRACE(C.Properties);
     TempDir D;
-    D.Write("a.txt", "abc\n");
-    D.Write("readonly.txt", "abc\n");
-    chmod((D / "readonly.txt").c_str(), 0444);
-    const std::string Properties = C.Properties;
-    const bool OwnSource = Properties.find("SourcePath") != std::string::npos;
-    ZtResult R = RunZt(D.Path(), Action((OwnSource ? "" : "    SourcePath: a.txt\n") + Properties));
+    MakeTree(D.Path(), {"a.txt=abc\n", "readonly.txt=abc\n [ro]"});
+    const std::string Source =
+        C.Properties.find("SourcePath") == std::string::npos ? "SourcePath: a.txt, " : "";
+    ZtResult R = RunZt(D.Path(), "actions: [{action: Text Find / Replace, " + Source + C.Properties + "}]\n");
     EXPECT_EQ(R.ExitCode, 1) << R.Stderr;
     EXPECT_EQ(Messages(R, "1"), C.Messages);
     EXPECT_EQ(D.Read("a.txt"), "abc\n");
@@ -166,16 +144,12 @@ TEST(TextFindE2E, FileSetStopsAtTheFirstFileWhoseCountFails) {
 TEST(TextFindE2E, FileSetTotalGoesIntoAVariableAlsoForAnEmptySet) {
   TempDir D;
   MakeTree(D.Path(), {"src/a.txt=x x", "src/b.txt"});
-  const std::string Count = R"(
-    UseFileSet: true
-    SearchString: x
-    FileSetCountAllMatches: true
-    TextFindBehaviour: tfPutIntoVar
-)";
+  const std::string Count =
+      "  - {action: Text Find / Replace, UseFileSet: true, SearchString: x, FileSetCountAllMatches: true, "
+      "TextFindBehaviour: tfPutIntoVar, ";
   ZtResult R =
-      RunZt(D.Path(), kFileSets + Action(Count + "    FileSetName: Texts\n    PutCountIntoVar: ALL\n") +
-                          "  - action: Text Find / Replace\n" + Count +
-                          "    FileSetName: None\n    PutCountIntoVar: NONE\n");
+      RunZt(D.Path(), kFileSets + "actions:\n" + Count + "FileSetName: Texts, PutCountIntoVar: ALL}\n" +
+                          Count + "FileSetName: None, PutCountIntoVar: NONE}\n");
   ASSERT_EQ(R.ExitCode, 0) << R.Stderr;
   EXPECT_EQ(Messages(R, "1"),
             (Lines{"Searching inside file " + (D / "src/a.txt") + "...",
@@ -184,9 +158,7 @@ TEST(TextFindE2E, FileSetTotalGoesIntoAVariableAlsoForAnEmptySet) {
                                                    {"Found 3 matches in 1 files", 50},
                                                    {"Found 3 matches", 100}}));
   EXPECT_EQ(Messages(R, "2"), (Lines{"No matches were found."}));
-  const auto& Values = R.Events[R.Events.size() - 2]["values"];
-  EXPECT_EQ(Values["ALL"], 3);
-  EXPECT_EQ(Values["NONE"], 0);
+  EXPECT_EQ(FinalVariables(R), nlohmann::json::parse(R"({"ALL": 3, "NONE": 0})"));
 }
 
 using namespace std::string_literals;
