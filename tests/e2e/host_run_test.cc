@@ -18,19 +18,18 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// --var overrides the project's value and adds a typed one.
+// --var overrides the project's value; texts of the project and of --var
+// become integers only when they print the same.
 TEST(HostRunTest, SuccessfulBuildWithVarsDeletesFilesAndExitsZero) {
   TempDir D;
   MakeTree(D.Path(), {"sub/a.txt", "sub/b.log", "keep/a.txt"});
-  ZtResult R = RunZt(D.Path(), R"(
-name: Clean
-variables:
-  DIR: keep
+  ZtResult R = RunZt(D.Path(), R"(name: Clean
+variables: {DIR: keep, BUILD: 007, N: 12, Q: "12", RATE: 1.0, ON: TRUE}
 actions:
-  - action: Delete File(s)
-    FileSpec: "%DIR%/*.txt"
+  - {action: Delete File(s), FileSpec: "%DIR%/*.txt"}
 )",
-                     {"--var", "DIR=sub", "--var", "N=5"});
+                     {"--var", "DIR=sub", "--var", "ZIP=0456", "--var", "BIG=1e3", "--var", "NEG=-3", "--var",
+                      "PLUS=+3", "--var", "OFF=false"});
   EXPECT_EQ(R.ExitCode, 0) << R.Stderr;
   EXPECT_EQ(Tree(D / "sub"), (std::vector<std::string>{"b.log"}));
   EXPECT_TRUE(fs::exists(D / "keep/a.txt"));
@@ -40,9 +39,10 @@ actions:
   EXPECT_EQ(R.Events[0]["project"], "Clean");
   R.Events[1].erase("t_ms");
   EXPECT_EQ(R.Events[1], nlohmann::json::parse(R"j({"event":"action-start","id":"1","title":"Delete File(s)",
-      "class":"TDeleteFilesAction","description":"Delete File(s) [ %DIR%/*.txt ]","file":"project.yml","line":6})j"));
+      "class":"TDeleteFilesAction","description":"Delete File(s) [ %DIR%/*.txt ]","file":"project.yml","line":4})j"));
   EXPECT_EQ(R.Events[3]["result"], "success");
-  EXPECT_EQ(R.Events[4]["values"], nlohmann::json::parse(R"({"DIR":"sub","N":5})"));
+  EXPECT_EQ(R.Events[4]["values"], nlohmann::json::parse(R"({"DIR": "sub", "BUILD": "007", "N": 12, "Q": "12",
+      "RATE": "1.0", "ON": true, "ZIP": "0456", "BIG": "1e3", "NEG": -3, "PLUS": "+3", "OFF": false})"));
   EXPECT_EQ(R.Events[5]["result"], "success");
   EXPECT_NE(R.Stdout.find("Build succeeded: 1 action in "), std::string::npos) << R.Stdout;
 }
@@ -167,8 +167,8 @@ TEST(HostVariablesTest, ValuesExpandTheirOwnReferencesOnceWhenUsed) {
 actions:
 )";
   for (const Row& R : Rows)
-    Yaml += "  - action: Create Directory\n    FileOrDirectory: \"out/" + R.Reference +
-            "\"\n    Force: true\n    ignoreFailure: true\n";
+    Yaml += "  - {action: Create Directory, FileOrDirectory: \"out/" + R.Reference +
+            "\", Force: true, ignoreFailure: true}\n";
   TempDir D;
   ZtResult Run = RunZt(D.Path(), Yaml);
   EXPECT_EQ(Run.ExitCode, 0) << Run.Stderr;
@@ -184,27 +184,15 @@ actions:
       EXPECT_EQ(ActionResult(Run, Id), "ignored") << R.Reference;
     }
   }
-  // Stored values stay as written.
-  EXPECT_EQ(Run.Events[Run.Events.size() - 2]["values"]["DIST"], "app-%VERSION%");
-}
-
-TEST(HostVariablesTest, TextsBecomeIntegersOnlyWhenTheyPrintTheSame) {
-  TempDir D;
-  ZtResult R = RunZt(
-      D.Path(), "variables:\n  BUILD: 007\n  N: 12\n  Q: \"12\"\n  RATE: 1.0\n  ON: TRUE\nactions: []\n",
-      {"--var", "ZIP=0456", "--var", "BIG=1e3", "--var", "NEG=-3", "--var", "PLUS=+3", "--var", "OFF=false"});
-  ASSERT_EQ(R.ExitCode, 0) << R.Stderr;
-  EXPECT_EQ(R.Events[R.Events.size() - 2]["values"],
-            nlohmann::json::parse(R"({"BUILD": "007", "N": 12, "Q": "12",
-      "RATE": "1.0", "ON": true, "ZIP": "0456", "BIG": "1e3", "NEG": -3, "PLUS": "+3", "OFF": false})"));
+  EXPECT_EQ(FinalValue(Run, "DIST"), "app-%VERSION%");  // stored values stay as written
 }
 
 // Many quick actions, so the interrupt lands while the build runs.
 std::string ManyDeletes(int Count) {
-  std::string Yaml = "name: Long\nvariables:\n  MARK: set\nactions:\n";
+  std::string Yaml = "name: Long\nvariables: {MARK: set}\nactions:\n";
   for (int I = 0; I < Count; ++I)
-    Yaml += "  - action: Delete File(s)\n    FileSpec: nothing-" + std::to_string(I) +
-            ".tmp\n    FailIfNoFile: false\n";
+    Yaml += "  - {action: Delete File(s), FileSpec: nothing-" + std::to_string(I) +
+            ".tmp, FailIfNoFile: false}\n";
   return Yaml;
 }
 
@@ -214,12 +202,10 @@ TEST(HostStopTest, InterruptStopsTheBuildBetweenActionsAndExits130) {
   ZtResult R = RunZtAndSignal(D.Path(), ManyDeletes(Count), "\"action-end\"", SIGINT);
   ASSERT_EQ(R.ExitCode, 130) << R.Stderr;
   ASSERT_GE(R.Events.size(), 3u);
-  const auto& End = R.Events.back();
-  EXPECT_EQ(End["event"], "build-end");
-  EXPECT_EQ(End["result"], "stopped");
-  const auto& Vars = R.Events[R.Events.size() - 2];
-  EXPECT_EQ(Vars["event"], "variables");
-  EXPECT_EQ(Vars["values"]["MARK"], "set");
+  EXPECT_EQ(R.Events.back()["event"], "build-end");
+  EXPECT_EQ(R.Events.back()["result"], "stopped");
+  EXPECT_EQ(R.Events[R.Events.size() - 2]["event"], "variables");
+  EXPECT_EQ(FinalValue(R, "MARK"), "set");
   // Every action that started also ended, and the last ones never started.
   int Started = 0, Ended = 0;
   for (const auto& E : R.Events) {
@@ -237,21 +223,16 @@ TEST(HostStopTest, SecondInterruptLeavesNoTemporaryFileAndEndsBothLogs) {
   const std::string Big = (Shm.Path().empty() ? D.Path() : Shm.Path()) + "/huge.bin";
   std::ofstream(Big).close();
   std::filesystem::resize_file(Big, std::uintmax_t{64} << 30);
-  std::filesystem::create_directory(D / "out");
-  std::ofstream(D / "out/huge.bin") << "old";
+  MakeTree(D.Path(), {"out/huge.bin=old"});
   ZtResult R = RunZtAndSignal(
-      D.Path(), "actions:\n  - action: Copy File(s)\n    FileSpec: " + Big + "\n    Target: out/huge.bin\n",
+      D.Path(), "actions: [{action: Copy File(s), FileSpec: " + Big + ", Target: out/huge.bin}]\n",
       "\"Copying File :", SIGINT, 2);
   EXPECT_EQ(R.ExitCode, 130);
   ASSERT_FALSE(R.Events.empty());
   EXPECT_EQ(R.Events.back()["event"], "build-end");
   EXPECT_EQ(R.Events.back()["result"], "stopped");
   EXPECT_NE(R.Stdout.find("Build stopped"), std::string::npos) << R.Stdout;
-  std::vector<std::string> Left;
-  for (const auto& E : std::filesystem::directory_iterator(D / "out")) Left.push_back(E.path().filename());
-  EXPECT_EQ(Left, std::vector<std::string>{"huge.bin"});
-  std::ifstream Old(D / "out/huge.bin");
-  EXPECT_EQ(std::string(std::istreambuf_iterator<char>(Old), {}), "old");
+  EXPECT_EQ(Tree(D / "out"), std::vector<std::string>{"huge.bin=old"});
 }
 
 }  // namespace
