@@ -43,11 +43,7 @@ TEST(ScriptsE2E, RunScriptTakesItsResultFromActionResult) {
 TEST(ScriptsE2E, VariablesCrossAsTheirTypes) {
   TempDir D;
   setenv("ZT_SCRIPT_TEST_ENV", "from env", 1);
-  ZtResult R = RunZt(D.Path(), R"(variables:
-  TEXT: "12"
-  NUMBER: 12
-  FLAG: true
-  NAME: app-%NUMBER%
+  ZtResult R = RunZt(D.Path(), R"(variables: {TEXT: "12", NUMBER: 12, FLAG: true, NAME: app-%NUMBER%}
 actions:
   - action: Run Script
     scripts:
@@ -56,10 +52,7 @@ actions:
           local V = GetVariable(Name)
           print(Name, math.type(V) or type(V), V)
         end
-        SetVariable("S", "x")
-        SetVariable("I", -7)
-        SetVariable("F", 2.5)
-        SetVariable("B", false)
+        SetVariable("S", "x") SetVariable("I", -7) SetVariable("F", 2.5) SetVariable("B", false)
         SetVariable("TEXT", 13)
         Log(Expand("%NUMBER%-%flag% 100%%"))
 )",
@@ -70,9 +63,7 @@ actions:
             (Lines{"TEXT\tstring\t12", "NUMBER\tinteger\t12", "FLAG\tboolean\tfalse",
                    "NAME\tstring\tapp-%NUMBER%", "DOSCMD\tstring\t/bin/sh",
                    "ZT_SCRIPT_TEST_ENV\tstring\tfrom env", "NOPE\tnil\tnil", "12-False 100%"}));
-  const auto& Vars = R.Events[R.Events.size() - 2];
-  ASSERT_EQ(Vars["event"], "variables");
-  EXPECT_EQ(Vars["values"], nlohmann::json::parse(R"({"TEXT": 13, "NUMBER": 12, "FLAG": false,
+  EXPECT_EQ(FinalVariables(R), nlohmann::json::parse(R"({"TEXT": 13, "NUMBER": 12, "FLAG": false,
       "NAME": "app-%NUMBER%", "S": "x", "I": -7, "F": "2.5", "B": false})"));
 }
 
@@ -89,36 +80,20 @@ TEST(ScriptsE2E, ErrorsNameTheProjectFileLine) {
       OnExecute: |
 
         Check(false)
-  - action: Run Script
-    ignoreFailure: true
-    scripts:
-      OnExecute: "Action.Nothing = 1"
-  - action: Run Script
-    ignoreFailure: true
-    scripts:
-      OnExecute: |
-        Log("a")
-        error({}, 0)
-  - action: Run Script
-    ignoreFailure: true
-    scripts:
-      OnExecute: |
-        SetVariable("X", nil)
-  - action: Run Script
-    ignoreFailure: true
-    scripts:
-      OnExecute: |
-        Log(Expand("%UNDEFINED%"))
+  - {action: Run Script, ignoreFailure: true, scripts: {OnExecute: "Action.Nothing = 1"}}
+  - {action: Run Script, ignoreFailure: true, scripts: {OnExecute: 'Log("a") error({}, 0)'}}
+  - {action: Run Script, ignoreFailure: true, scripts: {OnExecute: 'SetVariable("X", nil)'}}
+  - {action: Run Script, ignoreFailure: true, scripts: {OnExecute: 'Log(Expand("%UNDEFINED%"))'}}
 )";
   ZtResult R = RunZt(D.Path(), Project);
   ASSERT_EQ(R.ExitCode, 0) << R.Stdout << R.Stderr;
   const std::string File = "project.yml";
   EXPECT_EQ(HostLines(R, "1"), (Lines{File + ":7: check failed"}));
-  EXPECT_EQ(HostLines(R, "2"), (Lines{File + ":15: Run Script: unknown property \"Nothing\""}));
-  EXPECT_EQ(HostLines(R, "3"), (Lines{File + ":21: (error object is a table value)"}));
+  EXPECT_EQ(HostLines(R, "2"), (Lines{File + ":12: Run Script: unknown property \"Nothing\""}));
+  EXPECT_EQ(HostLines(R, "3"), (Lines{File + ":13: (error object is a table value)"}));
   EXPECT_EQ(HostLines(R, "4"),
-            (Lines{File + ":26: SetVariable: the value must be a text, number or Boolean, not nil"}));
-  EXPECT_EQ(HostLines(R, "5"), (Lines{File + ":31: Variable \"UNDEFINED\" is not defined"}));
+            (Lines{File + ":14: SetVariable: the value must be a text, number or Boolean, not nil"}));
+  EXPECT_EQ(HostLines(R, "5"), (Lines{File + ":15: Variable \"UNDEFINED\" is not defined"}));
 
   // zt validate compiles without running, and reports syntax errors alike.
   R = RunZt(D.Path(), Project, {}, "validate");
