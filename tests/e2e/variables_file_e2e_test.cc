@@ -13,7 +13,7 @@ namespace {
 
 using Lines = std::vector<std::string>;
 
-TEST(VariablesFileE2E, SavedVariablesLoadBackWithTheirTypesInTheNextBuild) {
+TEST(VariablesFileE2E, SavedVariablesLoadBackWithTheirTypesOrFallBackAndAreNeverExpanded) {
   TempDir D;
   WriteText(D / "vars.ini", "[ZTVariables]\r\nGONE=1\r\n[Other]\r\nk=v\r\n");
   ZtResult Save = RunZt(D.Path(), R"(
@@ -27,32 +27,20 @@ actions:
   EXPECT_EQ(ReadText(D / "vars.ini"),
             "[Other]\r\nk=v\r\n[ZTVariables]\r\nVER=1.4.2\r\nCOUNT=7\r\nON=True\r\nDIST=dist/app-1.4.2\r\n");
 
+  // Duplicate keys: the first one wins; values that are no Boolean or integer fall back by type.
+  WriteText(D / "v.ini", "[Build]\nB1=maybe\nB2=yes\nB3=0\nI1=12abc\nI2=$1F\nS=%PATH% $(x)\nS=second\n");
   ZtResult Load = RunZt(D.Path(), R"(
-variables: {VER: "0", COUNT: 0, ON: false, DIST: ""}
+variables: {VER: "0", COUNT: 0, ON: false, DIST: "", B1: true, B2: abc, B3: true, I1: 5, I2: 0, S: ""}
 actions:
   - {action: Load Variables from INI, INIFile: vars.ini, Variables: [VER, COUNT, ON, DIST],
      VariableTypes: [string, INTEGER, Boolean, STRING]}
+  - {action: Load Variables from INI, INIFile: v.ini, SectionName: Build, Variables: [B1, B2, B3, I1, I2, S],
+     VariableTypes: [BOOLEAN, BOOLEAN, BOOLEAN, INTEGER, INTEGER, STRING]}
 )");
   EXPECT_EQ(Load.ExitCode, 0) << Load.Stdout;
   EXPECT_EQ(Messages(Load, "1"), (Lines{"Variables loaded from vars.ini"}));
-  EXPECT_EQ(FinalVariables(Load),
-            nlohmann::json::parse(R"({"VER":"1.4.2","COUNT":7,"ON":true,"DIST":"dist/app-1.4.2"})"));
-}
-
-TEST(VariablesFileE2E, LoadedValuesFallBackByTypeAndAreNeverExpanded) {
-  TempDir D;
-  // Duplicate keys: the first one wins.
-  WriteText(D / "v.ini", "[Build]\nB1=maybe\nB2=yes\nB3=0\nI1=12abc\nI2=$1F\nS=%PATH% $(x)\nS=second\n");
-  ZtResult R = RunZt(D.Path(), R"(
-variables: {B1: true, B2: abc, B3: true, I1: 5, I2: 0, S: ""}
-actions:
-  - {action: Load Variables from INI, INIFile: v.ini, SectionName: Build,
-     Variables: [B1, B2, B3, I1, I2, S],
-     VariableTypes: [BOOLEAN, BOOLEAN, BOOLEAN, INTEGER, INTEGER, STRING]}
-)");
-  EXPECT_EQ(R.ExitCode, 0) << R.Stdout;
-  EXPECT_EQ(FinalVariables(R),
-            nlohmann::json::parse(R"j({"B1":true,"B2":false,"B3":false,"I1":5,"I2":31,"S":"%PATH% $(x)"})j"));
+  EXPECT_EQ(FinalVariables(Load), nlohmann::json::parse(R"j({"VER":"1.4.2","COUNT":7,"ON":true,
+      "DIST":"dist/app-1.4.2","B1":true,"B2":false,"B3":false,"I1":5,"I2":31,"S":"%PATH% $(x)"})j"));
 }
 
 // One build, one load per case, each failing or not as its flags say.
@@ -166,9 +154,11 @@ actions:
   EXPECT_EQ(Messages(R, "2")[1], "Made 0 replacements.");
 }
 
+// Mistakes fail without touching the source.
 TEST(ReplaceVariablesE2E, MovesTextsBetweenVariablesAndFiles) {
   TempDir D;
   WriteText(D / "tpl.txt", "v=%VER%");
+  WriteText(D / "bad.txt", "a=%NOPE%\nb=%VER%");
   ZtResult R = RunZt(D.Path(), R"(
 variables: {VER: 2, TPL: "a=%VER%\nb=%%", OUT: ""}
 actions:
@@ -178,12 +168,19 @@ actions:
      DestFile: out/result.txt, ignoreFailure: true}
   - {action: Replace Variables, SourceFile: tpl.txt, WriteBackToSource: false, DestFile: result.txt}
   - {action: Replace Variables, SourceType: rfVariable, SourceVariable: TPL}
+  - {action: Replace Variables, SourceFile: bad.txt, ignoreFailure: true}
+  - {action: Replace Variables, SourceFile: missing.txt, ignoreFailure: true}
+  - {action: Replace Variables, SourceType: rfVariable, SourceVariable: NONE, ignoreFailure: true}
+  - {action: Replace Variables, SourceFile: bad.txt, WriteBackToSource: false, DestType: rfVariable,
+     DestVariable: NEW, FailOnVariableErrors: false, ignoreFailure: true}
+  - {action: Replace Variables, SourceFile: bad.txt, FailOnVariableErrors: false}
 )");
   EXPECT_EQ(R.ExitCode, 0) << R.Stdout;
+  const std::string Error = "An error occured:";
   EXPECT_EQ(Messages(R, "1"), (Lines{"Loading data from variable TPL", "Made 1 replacements.",
                                      "Writing result to variable OUT"}));
   EXPECT_EQ(Messages(R, "2"), (Lines{"Loading data from variable TPL", "Made 1 replacements.",
-                                     "Writing result to file out/result.txt", "An error occured:",
+                                     "Writing result to file out/result.txt", Error,
                                      "Could not save file: Cannot create file \"out/result.txt\". "
                                      "The system cannot find the path specified"}));
   EXPECT_EQ(Messages(R, "3"), (Lines{"Loading data from file tpl.txt...", "Made 1 replacements.",
@@ -191,34 +188,17 @@ actions:
   EXPECT_EQ(ReadText(D / "tpl.txt"), "v=%VER%");
   EXPECT_EQ(ReadText(D / "result.txt"), "v=2\r\n");
   EXPECT_EQ(Messages(R, "4").back(), "Writing result to source variable.");
+  EXPECT_EQ(Messages(R, "5"), (Lines{"Loading data from file bad.txt...", Error,
+                                     "Could not expand variables: Variable \"NOPE\" is not defined"}));
+  EXPECT_EQ(Messages(R, "6"), (Lines{Error, "Source file not found: missing.txt"}));
+  EXPECT_EQ(Messages(R, "7"), (Lines{Error, "Variable not defined: NONE"}));
+  EXPECT_EQ(Messages(R, "8"), (Lines{"Loading data from file bad.txt...", "Made 1 replacements.", Error,
+                                     "Destination variable not defined: NEW"}));
+  // Unknown references stay as written when they are not errors.
+  EXPECT_EQ(Messages(R, "9")[1], "Made 1 replacements.");
+  EXPECT_EQ(ReadText(D / "bad.txt"), "a=%NOPE%\r\nb=2\r\n");
   EXPECT_EQ(FinalVariables(R),
             nlohmann::json::parse(R"({"VER":2,"TPL":"a=2\r\nb=%\r\n","OUT":"a=2\r\nb=%\r\n"})"));
-}
-
-TEST(ReplaceVariablesE2E, MistakesFailWithoutTouchingTheSource) {
-  TempDir D;
-  WriteText(D / "tpl.txt", "a=%NOPE%\nb=%VER%");
-  ZtResult R = RunZt(D.Path(), R"(
-variables:
-  VER: 3
-actions:
-  - {action: Replace Variables, SourceFile: tpl.txt, ignoreFailure: true}
-  - {action: Replace Variables, SourceFile: missing.txt, ignoreFailure: true}
-  - {action: Replace Variables, SourceType: rfVariable, SourceVariable: NONE, ignoreFailure: true}
-  - {action: Replace Variables, SourceFile: tpl.txt, WriteBackToSource: false, DestType: rfVariable,
-     DestVariable: NEW, FailOnVariableErrors: false, ignoreFailure: true}
-  - {action: Replace Variables, SourceFile: tpl.txt, FailOnVariableErrors: false}
-)");
-  EXPECT_EQ(R.ExitCode, 0) << R.Stdout;
-  EXPECT_EQ(Messages(R, "1"), (Lines{"Loading data from file tpl.txt...", "An error occured:",
-                                     "Could not expand variables: Variable \"NOPE\" is not defined"}));
-  EXPECT_EQ(Messages(R, "2"), (Lines{"An error occured:", "Source file not found: missing.txt"}));
-  EXPECT_EQ(Messages(R, "3"), (Lines{"An error occured:", "Variable not defined: NONE"}));
-  EXPECT_EQ(Messages(R, "4"), (Lines{"Loading data from file tpl.txt...", "Made 1 replacements.",
-                                     "An error occured:", "Destination variable not defined: NEW"}));
-  // Unknown references stay as written when they are not errors.
-  EXPECT_EQ(Messages(R, "5")[1], "Made 1 replacements.");
-  EXPECT_EQ(ReadText(D / "tpl.txt"), "a=%NOPE%\r\nb=3\r\n");
 }
 
 }  // namespace
