@@ -18,9 +18,7 @@ using Lines = std::vector<std::string>;
 TEST(TextFilesE2E, CreateWritesExactBytesAndOverwritesOnlyWhenAsked) {
   TempDir D;
   WriteText(D / "keep.txt", "old, longer contents");
-  ZtResult R = RunZt(D.Path(), R"(
-variables:
-  VER: 1.4.2
+  ZtResult R = RunZt(D.Path(), R"(variables: {VER: 1.4.2}
 actions:
   - {action: Create Text File, NewFileName: out/sub/version.txt, FileContents: "v=%VER%\nsecond\r\n100%%"}
   - {action: Create Text File, NewFileName: keep.txt, FileContents: other, ignoreFailure: true}
@@ -40,41 +38,29 @@ actions:
   EXPECT_FALSE(fs::exists(D / "never.txt"));
 }
 
+// The CR LF comes even after a line break; a file is rewritten in place, so
+// its second name sees it too and its mode stays.
 TEST(TextFilesE2E, AppendAndPrependPutCrLfBetweenOldAndNewContent) {
   TempDir D;
-  WriteText(D / "append.txt", "A");
-  WriteText(D / "append-eol.txt", "A\n");
-  WriteText(D / "empty.txt", "");
-  WriteText(D / "prepend.txt", "A\nB");
-  WriteText(D / "prepend-empty.txt", "");
-  chmod((D / "prepend.txt").c_str(), 0640);
-  WriteText(D / "shared.txt", "A");
-  fs::create_hard_link(D / "shared.txt", D / "shared-link.txt");  // rewritten in place: both names see it
-  ZtResult R = RunZt(D.Path(), R"(
-variables:
-  NEW: "n%%1"
+  MakeTree(D.Path(), {"t/append.txt=A", "t/append-eol.txt=A\n", "t/empty.txt=", "t/prepend.txt=A\nB",
+                      "t/prepend-empty.txt=", "t/shared.txt=A", "t/shared-link.txt => t/shared.txt"});
+  chmod((D / "t/prepend.txt").c_str(), 0640);
+  ZtResult R = RunZt(D.Path(), R"(variables: {NEW: "n%%1"}
 actions:
-  - {action: Write to Text File, FileName: append.txt, NewContent: "%NEW%"}
-  - {action: Write to Text File, FileName: append-eol.txt, NewContent: B}
-  - {action: Write to Text File, FileName: empty.txt, NewContent: B}
-  - {action: Write to Text File, FileName: prepend.txt, NewContent: "x\ny", WriteToPosition: toStart}
-  - {action: Write to Text File, FileName: prepend-empty.txt, NewContent: B, WriteToPosition: toStart}
-  - {action: Write to Text File, FileName: shared.txt, NewContent: B, WriteToPosition: toStart}
-  - {action: Write to Text File, FileName: created.txt, NewContent: "C\n", CreateIfNotExists: true,
+  - {action: Write to Text File, FileName: t/append.txt, NewContent: "%NEW%"}
+  - {action: Write to Text File, FileName: t/append-eol.txt, NewContent: B}
+  - {action: Write to Text File, FileName: t/empty.txt, NewContent: B}
+  - {action: Write to Text File, FileName: t/prepend.txt, NewContent: "x\ny", WriteToPosition: toStart}
+  - {action: Write to Text File, FileName: t/prepend-empty.txt, NewContent: B, WriteToPosition: toStart}
+  - {action: Write to Text File, FileName: t/shared.txt, NewContent: B, WriteToPosition: toStart}
+  - {action: Write to Text File, FileName: t/created.txt, NewContent: "C\n", CreateIfNotExists: true,
      WriteToPosition: toStart}
 )");
   EXPECT_EQ(R.ExitCode, 0) << R.Stdout;
-  EXPECT_EQ(ReadText(D / "append.txt"), "A\r\nn%1");
-  EXPECT_EQ(ReadText(D / "append-eol.txt"), "A\n\r\nB");  // the CR LF even after a line break
-  EXPECT_EQ(ReadText(D / "empty.txt"), "B");
-  EXPECT_EQ(ReadText(D / "prepend.txt"), "x\ny\r\nA\nB");
-  EXPECT_EQ(ReadText(D / "prepend-empty.txt"), "B");
-  EXPECT_EQ(ReadText(D / "shared-link.txt"), "B\r\nA");
-  EXPECT_EQ(ReadText(D / "created.txt"), "C\n");
-  EXPECT_EQ(fs::status(D / "prepend.txt").permissions(), fs::perms(0640));
-  EXPECT_EQ(ListNames(D.Path()),
-            (Lines{"append-eol.txt", "append.txt", "created.txt", "empty.txt", "log.jsonl",
-                   "prepend-empty.txt", "prepend.txt", "project.yml", "shared-link.txt", "shared.txt"}));
+  EXPECT_EQ(Tree(D / "t"), (Lines{"append-eol.txt=A\n\r\nB", "append.txt=A\r\nn%1", "created.txt=C\n",
+                                  "empty.txt=B", "prepend-empty.txt=B", "prepend.txt=x\ny\r\nA\nB",
+                                  "shared-link.txt=B\r\nA", "shared.txt=B\r\nA"}));
+  EXPECT_EQ(fs::status(D / "t/prepend.txt").permissions(), fs::perms(0640));
   for (const char* Id : {"1", "4", "6", "7"}) EXPECT_EQ(Messages(R, Id), Lines{}) << Id;
 }
 
