@@ -111,17 +111,5 @@ TEST(IniEndToEnd, WriteRules) {
   // clang-format on
 }
 
-TEST(IniEndToEnd, WrittenIntegersReadBackTyped) {
-  TempDir Dir;
-  ZtResult R = RunZt(Dir.Path(), R"(actions:
-  - {action: TWriteIniFileAction, IniFile: ./b.ini, Section: B, ValueName: Count, NewValue: '4', ValueType: vtInteger,
-     AllowCreate: true}
-  - {action: Read Ini File, IniFile: ./b.ini, Section: b, ValueName: COUNT, VariableName: N, DefaultValue: '0',
-     ValueType: vtInteger}
-)");
-  EXPECT_EQ(R.ExitCode, 0) << R.Stderr;
-  EXPECT_EQ(FinalValue(R, "N"), 4);
-}
-
 }  // namespace
 }  // namespace zt::testing

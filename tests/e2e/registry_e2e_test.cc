@@ -166,35 +166,31 @@ nlohmann::json ActionEnd(const ZtResult& R, const std::string& Id) {
   return nullptr;
 }
 
-// A condition (Settings: its property lines) with one child that marks the
+// A condition (Settings: its properties) with one child that marks the
 // store when it runs.
 std::string Condition(const std::string& Settings, const std::string& Mark) {
-  return "  - action: If COM Class Registered\n    ignoreFailure: true\n" + Settings +
-         "    actions:\n      - action: Set Registry Value\n        RegRoot: HKEY_CURRENT_USER\n"
-         "        RegKey: Ran\n        AllowCreateKey: true\n        RegValueName: " +
-         Mark + "\n";
+  return "  - {action: If COM Class Registered, ignoreFailure: true, " + Settings +
+         ",\n     actions: [{action: Set Registry Value, RegRoot: HKEY_CURRENT_USER, RegKey: Ran, "
+         "AllowCreateKey: true, "
+         "RegValueName: " +
+         Mark + "}]}\n";
 }
 
 TEST(ComConditionEndToEnd, RunsSkipsOrFailsItsChildren) {
-  TempDir Dir;
-  const std::string Store = Dir / "registry.json";
+  RegistryRun T;
+  const std::string& Store = T.Store;
   WriteText(Store, R"({
   "HKEY_CLASSES_ROOT\\Acme.Tool\\CLSID": {"": {"type": "REG_SZ", "data": "{0002DF01-0000-0000-C000-000000000046}"}},
   "HKEY_CLASSES_ROOT\\CLSID\\{0002df01-0000-0000-c000-000000000046}": {}
 })");
-  const std::string ByGuid = "    UseProgID: false\n    CLSID: ";
-  ZtResult R = RunZt(
-      Dir.Path(),
-      "name: COM\nvariables:\n  PROG: Acme.Tool\nactions:\n" + Condition("    ProgID: Acme.Tool\n", "a") +
-          Condition(ByGuid + "0002df01-0000-0000-c000-000000000046\n", "b") +
-          Condition("    ProgID: Missing.Tool\n", "c") +
-          Condition("    ProgID: Missing.Tool\n    Invert: true\n", "d") +
-          Condition(ByGuid + "\"{0002DF01-0000\"\n", "e") +
-          Condition(ByGuid + "\"{00000000-0000-0000-0000-000000000000}\"\n"
-                             "    FailIfNotRegistered: true\n",
-                    "f") +
-          Condition("    ProgID: \"%NOPE%\"\n", "g") + Condition("    ProgID: \"%PROG%\"\n", "h"),
-      {"--registry", Store});
+  const std::string ByGuid = "UseProgID: false, CLSID: ";
+  ZtResult R =
+      T.Run("name: COM\nvariables: {PROG: Acme.Tool}\nactions:\n" + Condition("ProgID: Acme.Tool", "a") +
+            Condition(ByGuid + "0002df01-0000-0000-c000-000000000046", "b") +
+            Condition("ProgID: Missing.Tool", "c") + Condition("ProgID: Missing.Tool, Invert: true", "d") +
+            Condition(ByGuid + "\"{0002DF01-0000\"", "e") +
+            Condition(ByGuid + "\"{00000000-0000-0000-0000-000000000000}\", FailIfNotRegistered: true", "f") +
+            Condition("ProgID: \"%NOPE%\"", "g") + Condition("ProgID: \"%PROG%\"", "h"));
   EXPECT_EQ(R.ExitCode, 0) << R.Stderr;
   const Lines Expected[] = {
       {"COM Class Acme.Tool is registered."},
