@@ -163,23 +163,12 @@ TEST(ScriptsE2E, BeforeActionMaySkipOrChangeTheActionAndAfterActionItsResult) {
 
 TEST(ScriptsE2E, EachRunOfAnActionHasItsOwnStateAndLoopsOfferReset) {
   TempDir D;
-  std::ofstream(D / "lines.txt") << "one\r\ntwo\r\n";
+  WriteText(D / "lines.txt", "one\r\ntwo\r\n");
   ZtResult R = RunZt(D.Path(), R"(actions:
-  - action: List Iterator
-    ZTVariable: ITEM
-    ListOfItems: [a, b]
-    scripts:
-      AfterAction: |
-        Log("index " .. Action.ItemIndex)
-        Action:Reset()
-        Log("index " .. Action.ItemIndex)
-    actions:
-      - action: Read Text File
-        FileName: lines.txt
-        scripts:
-          OnReadLine: |
-            Count = (Count or 0) + 1
-            Log(GetVariable("ITEM") .. Count .. " " .. LineText)
+  - {action: List Iterator, ZTVariable: ITEM, ListOfItems: [a, b],
+     scripts: {AfterAction: 'Log("index " .. Action.ItemIndex) Action:Reset() Log("index " .. Action.ItemIndex)'},
+     actions: [{action: Read Text File, FileName: lines.txt,
+                scripts: {OnReadLine: 'Count = (Count or 0) + 1 Log(GetVariable("ITEM") .. Count .. " " .. LineText)'}}]}
 )");
   ASSERT_EQ(R.ExitCode, 0) << R.Stdout << R.Stderr;
   // The per-line script counts across its run's lines, and starts afresh on the next pass.
@@ -190,14 +179,12 @@ TEST(ScriptsE2E, EachRunOfAnActionHasItsOwnStateAndLoopsOfferReset) {
 
 TEST(ScriptsE2E, ExampleProjectTagsTheReleaseSkipsOnRequestAndForgivesMissingNotes) {
   TempDir D;
-  std::stringstream Yaml;
-  Yaml << std::ifstream(std::string(ZT_SOURCE_DIR) + "/examples/scripts.yml").rdbuf();
-  fs::create_directory(D / "scripts-output");
-  std::ofstream(D / "scripts-output/old.log") << "x";
-  ZtResult R = RunZt(D.Path(), Yaml.str(), {"--var", "KEEP_LOGS=true"});
+  MakeTree(D.Path(), {"scripts-output/old.log"});
+  ZtResult R = RunZt(D.Path(), ReadText(std::string(ZT_SOURCE_DIR) + "/examples/scripts.yml"),
+                     {"--var", "KEEP_LOGS=true"});
   ASSERT_EQ(R.ExitCode, 0) << R.Stdout << R.Stderr;
   EXPECT_EQ(Messages(R, "1"), (Lines{"release tag v1.4.2"}));
-  EXPECT_EQ(R.Events[R.Events.size() - 2]["values"]["TAG"], "v1.4.2");
+  EXPECT_EQ(FinalValue(R, "TAG"), "v1.4.2");
   EXPECT_EQ(ActionResult(R, "3"), "skipped");
   EXPECT_EQ(Messages(R, "3"), (Lines{"keeping the logs"}));
   EXPECT_TRUE(fs::exists(D / "scripts-output/old.log"));
@@ -212,31 +199,22 @@ TEST(ScriptsE2E, ExampleProjectTagsTheReleaseSkipsOnRequestAndForgivesMissingNot
 
 TEST(DemoProjectTest, PackagesTheDocumentsAndCleansTheOutput) {
   TempDir D;
-  fs::create_directory(D / "demo-output");
-  for (const char* F : {"main.o.tmp", "util.o.tmp", "link.tmp"})
-    std::ofstream(D / ("demo-output/" + std::string(F))) << "scratch\n";
-  std::ofstream(D / "demo-output/build.log") << "old build log\n";
-  chmod((D / "demo-output/build.log").c_str(), 0444);
-  std::ofstream(D / "demo-output/readme.txt") << "keep me\n";
+  MakeTree(D.Path(), {"demo-output/main.o.tmp=scratch\n", "demo-output/util.o.tmp=scratch\n",
+                      "demo-output/link.tmp=scratch\n", "demo-output/build.log=old build log\n [ro]",
+                      "demo-output/readme.txt=keep me\n"});
 
   ZtResult R = RunZt(D.Path(), ReadText(std::string(ZT_SOURCE_DIR) + "/examples/demo.yml"));
   ASSERT_EQ(R.ExitCode, 0) << R.Stdout << R.Stderr;
 
-  std::vector<std::string> Left;
-  for (const auto& E : fs::directory_iterator(D / "demo-output"))
-    Left.push_back(E.path().filename().string());
-  std::sort(Left.begin(), Left.end());
-  EXPECT_EQ(Left, (std::vector<std::string>{"dist", "readme.txt"}));
+  EXPECT_EQ(ListNames(D / "demo-output"), (Lines{"dist", "readme.txt"}));
   EXPECT_EQ(ReadText(D / "demo-output/dist/readme.txt"), "keep me\n");
 
   // CRC-32 and MD5 of "keep me\n", and the version line written and read back.
-  const auto& Values = R.Events[R.Events.size() - 2]["values"];
-  EXPECT_EQ(Values["README_CRC"], "$88A4FF51");
-  EXPECT_EQ(Values["README_MD5"], "97ED8315D42223266F7E00741409A6AD");
-  EXPECT_EQ(Values["RELEASED"], "1.4.2 (crc $88A4FF51)");
+  EXPECT_EQ(FinalValue(R, "README_CRC"), "$88A4FF51");
+  EXPECT_EQ(FinalValue(R, "README_MD5"), "97ED8315D42223266F7E00741409A6AD");
+  EXPECT_EQ(FinalValue(R, "RELEASED"), "1.4.2 (crc $88A4FF51)");
   EXPECT_EQ(ReadText(D / "demo-output/dist/release.ini"), "[Release]\r\nVersion=1.4.2 (crc $88A4FF51)\r\n");
-  EXPECT_EQ(StatusDetails(R, "8"),
-            (std::vector<std::string>{"Deleting files : demo-output/build.log", "1 Files Deleted."}));
+  EXPECT_EQ(StatusDetails(R, "8"), (Lines{"Deleting files : demo-output/build.log", "1 Files Deleted."}));
 }
 
 }  // namespace
