@@ -4,12 +4,8 @@
 // example projects the README shows, which must keep working.
 #include <gtest/gtest.h>
 #include <signal.h>
-#include <sys/stat.h>
 
-#include <algorithm>
 #include <filesystem>
-#include <fstream>
-#include <sstream>
 
 #include "ZtRunner.h"
 #include "support/Files.h"
