@@ -25,10 +25,11 @@ Lines SortedValues(const ZtResult& R, const std::string& Id) {
   return V;
 }
 
-TEST(FileIteratorE2E, FindsFilesDepthFirstWithTheChosenNames) {
+// Folders are listed pre-order, never from the root of the file system.
+TEST(FileIteratorE2E, FindsFilesDepthFirstAndFoldersPreOrderWithTheChosenNames) {
   TempDir D;
-  MakeTree(D.Path(),
-           {"src/a.txt", "src/b.log", "src/.h.txt", "src/\"q.txt\"", "src/sub/c.txt", "src/dir.txt/"});
+  MakeTree(D.Path(), {"src/a.txt", "src/b.log", "src/.h.txt", "src/\"q.txt\"", "src/sub/c.txt",
+                      "src/dir.txt/", "root/a/x/", "root/.h/", "root/f.txt"});
   // Recurse and IncludeFilePath are coupled: the later write wins.
   ZtResult R = RunZt(D.Path(), R"(actions:
   - {action: File Iterator, VariableName: F, FileSpec: src/*.txt, Recurse: true,
@@ -39,8 +40,13 @@ TEST(FileIteratorE2E, FindsFilesDepthFirstWithTheChosenNames) {
   - {action: File Iterator, FileSpec: src/*.txt*, Recurse: true, IncludeFilePath: false}
   - {action: File Iterator, FileSpec: missing/*.txt, Recurse: true}
   - {action: File Iterator, FileSpec: "%NOPE%/*.txt", ignoreFailure: true}
+  - {action: Folder Iterator, VariableName: DIR, StartingFolder: root, Recurse: true}
+  - {action: Folder Iterator, StartingFolder: root/, IncludeHiddenSystem: true, IncludeFolderPath: false}
+  - {action: Folder Iterator, StartingFolder: root/a/x}
+  - {action: Folder Iterator, StartingFolder: "%NONE%", ignoreFailure: true}
   - {action: File Iterator, UseFileSet: true, FileSetName: Nope}
-)");
+)",
+                     {"--var", "NONE="});
   EXPECT_EQ(R.ExitCode, 1) << R.Stderr;
   EXPECT_EQ(Messages(R, "1"),
             (Lines{"Searching for Files...", "Found 2 Files.", "src/a.txt\r\nsrc/sub/c.txt\r\n"}));
@@ -55,8 +61,16 @@ TEST(FileIteratorE2E, FindsFilesDepthFirstWithTheChosenNames) {
   EXPECT_EQ(Messages(R, "6"), (Lines{"Searching for Files...", "Found 0 Files.", ""}));
   EXPECT_EQ(ActionResult(R, "6"), "success");
   EXPECT_EQ(Messages(R, "7"), (Lines{"Error Setting File Spec : Variable \"NOPE\" is not defined"}));
-  EXPECT_EQ(Messages(R, "8"), (Lines{"Retrieving fileset...", "File set \"Nope\" not found."}));
-  EXPECT_EQ(ActionResult(R, "8"), "failure");
+  EXPECT_EQ(Messages(R, "8"),
+            (Lines{"Searching for Folders...", "Found 2 Folders", "root/a\r\nroot/a/x\r\n"}));
+  EXPECT_EQ(Passes(R, "8"), (Lines{"1/2=root/a", "2/2=root/a/x"}));
+  EXPECT_EQ(FinalValue(R, "DIR"), "root/a/x");
+  EXPECT_EQ(SortedValues(R, "9"), (Lines{".h", "a"}));
+  EXPECT_EQ(Messages(R, "10"), (Lines{"Searching for Folders...", "Found 0 Folders", ""}));
+  EXPECT_EQ(Messages(R, "11"), (Lines{"A starting folder has not been set"}));
+  EXPECT_TRUE(Passes(R, "11").empty());
+  EXPECT_EQ(Messages(R, "12"), (Lines{"Retrieving fileset...", "File set \"Nope\" not found."}));
+  EXPECT_EQ(ActionResult(R, "12"), "failure");
 }
 
 TEST(FileIteratorE2E, FileSetRefreshedAfterEachPassDropsUnvisitedAndAppendsNewFiles) {
@@ -88,28 +102,6 @@ actions:
              Refresh, "Final file list which was iterated (after all intermediate updates):",
              S + "a.cpp\r\n" + S + "c.cpp\r\n" + S + "z.cpp\r\n", "(3 files.)"}));
   EXPECT_EQ(Passes(R, "2"), (Lines{"1/3=" + S + "a.cpp", "2/3=" + S + "c.cpp", "3/3=" + S + "z.cpp"}));
-}
-
-TEST(FolderIteratorE2E, ListsSubFoldersPreOrderWithTheChosenNames) {
-  TempDir D;
-  MakeTree(D.Path(), {"root/a/x/", "root/.h/", "root/f.txt"});
-  ZtResult R = RunZt(D.Path(), R"(actions:
-  - {action: Folder Iterator, VariableName: DIR, StartingFolder: root, Recurse: true}
-  - {action: Folder Iterator, StartingFolder: root/, IncludeHiddenSystem: true, IncludeFolderPath: false}
-  - {action: Folder Iterator, StartingFolder: root/a/x}
-  - {action: Folder Iterator, StartingFolder: "%NONE%"}
-)",
-                     {"--var", "NONE="});
-  EXPECT_EQ(R.ExitCode, 1) << R.Stderr;
-  EXPECT_EQ(Messages(R, "1"),
-            (Lines{"Searching for Folders...", "Found 2 Folders", "root/a\r\nroot/a/x\r\n"}));
-  EXPECT_EQ(Passes(R, "1"), (Lines{"1/2=root/a", "2/2=root/a/x"}));
-  EXPECT_EQ(FinalValue(R, "DIR"), "root/a/x");
-  EXPECT_EQ(SortedValues(R, "2"), (Lines{".h", "a"}));
-  EXPECT_EQ(Messages(R, "3"), (Lines{"Searching for Folders...", "Found 0 Folders", ""}));
-  // Never the root of the file system.
-  EXPECT_EQ(Messages(R, "4"), (Lines{"A starting folder has not been set"}));
-  EXPECT_TRUE(Passes(R, "4").empty());
 }
 
 TEST(FileContentsIteratorE2E, MakesOnePassPerLineKeepingBlanksAndQuotes) {
