@@ -104,25 +104,11 @@ actions:
   EXPECT_EQ(Passes(R, "2"), (Lines{"1/3=" + S + "a.cpp", "2/3=" + S + "c.cpp", "3/3=" + S + "z.cpp"}));
 }
 
-TEST(FileContentsIteratorE2E, MakesOnePassPerLineKeepingBlanksAndQuotes) {
+// A text file makes one pass per line, keeping blanks and quotes.
+TEST(IniAndFileContentsIteratorE2E, SetSectionKeyOrLineVariablesOnEveryPass) {
   TempDir D;
-  WriteText(D / "lines.txt", "one\r\n\r\n  three  \n\"q\"");
-  ZtResult R = RunZt(D.Path(), R"(actions:
-  - {action: File Contents Iterator, ZTVariable: L, TextFileName: lines.txt}
-  - {action: File Contents Iterator, TextFileName: missing.txt}
-)");
-  EXPECT_EQ(R.ExitCode, 1);
-  EXPECT_EQ(Messages(R, "1"), (Lines{"Reading file...", "File contains 4 lines"}));
-  EXPECT_EQ(Passes(R, "1"), (Lines{"1/4=one", "2/4=", "3/4=  three  ", "4/4=\"q\""}));
-  EXPECT_EQ(FinalValue(R, "L"), "\"q\"");
-  EXPECT_EQ(Messages(R, "2"), (Lines{"Reading file...", "File doesn't exist"}));
-  EXPECT_EQ(ActionResult(R, "2"), "failure");
-}
-
-TEST(IniFileIteratorE2E, SetsSectionOrKeyVariablesOnEveryPass) {
-  TempDir D;
-  MakeTree(D.Path(),
-           {"app.ini=[Build]\r\nVersion=1.2\r\nHost=a=b\r\n[Empty]\r\n[Deploy]\r\nx=1\r\n", "seen.ini="});
+  MakeTree(D.Path(), {"app.ini=[Build]\r\nVersion=1.2\r\nHost=a=b\r\n[Empty]\r\n[Deploy]\r\nx=1\r\n",
+                      "seen.ini=", "lines.txt=one\r\n\r\n  three  \n\"q\""});
   ZtResult R = RunZt(D.Path(), R"(actions:
   - {action: Ini File Iterator, IniFilename: app.ini, SectionsVar: S,
      actions: [{action: Write Ini File, IniFile: ./seen.ini, Section: Sections, ValueName: "%S%", NewValue: "1"}]}
@@ -130,7 +116,9 @@ TEST(IniFileIteratorE2E, SetsSectionOrKeyVariablesOnEveryPass) {
      ValueVariable: V,
      actions: [{action: Write Ini File, IniFile: ./seen.ini, Section: Keys, ValueName: "%N%", NewValue: "%V%"}]}
   - {action: Ini File Iterator, IniFilename: missing.ini, IteratorMode: iiValues, SectionName: Build, NameVariable: N}
-  - {action: Ini File Iterator, IniFilename: app.ini}
+  - {action: Ini File Iterator, IniFilename: app.ini, ignoreFailure: true}
+  - {action: File Contents Iterator, ZTVariable: L, TextFileName: lines.txt}
+  - {action: File Contents Iterator, TextFileName: missing.txt}
 )");
   EXPECT_EQ(R.ExitCode, 1);
   EXPECT_EQ(Messages(R, "1"), (Lines{"Searching for items...", "Found 3 Items"}));
@@ -140,7 +128,12 @@ TEST(IniFileIteratorE2E, SetsSectionOrKeyVariablesOnEveryPass) {
   EXPECT_EQ(Messages(R, "3"), (Lines{"Searching for items...", "Found 0 Items"}));
   EXPECT_EQ(ActionResult(R, "3"), "success");
   EXPECT_EQ(Messages(R, "4"), (Lines{"Sections Variable not set"}));
-  EXPECT_EQ(ActionResult(R, "4"), "failure");
+  EXPECT_EQ(ActionResult(R, "4"), "ignored");
+  EXPECT_EQ(Messages(R, "5"), (Lines{"Reading file...", "File contains 4 lines"}));
+  EXPECT_EQ(Passes(R, "5"), (Lines{"1/4=one", "2/4=", "3/4=  three  ", "4/4=\"q\""}));
+  EXPECT_EQ(FinalValue(R, "L"), "\"q\"");
+  EXPECT_EQ(Messages(R, "6"), (Lines{"Reading file...", "File doesn't exist"}));
+  EXPECT_EQ(ActionResult(R, "6"), "failure");
 }
 
 TEST(ListIteratorE2E, SplitsTheListAsItsSeparatorAndBlankRuleSay) {
