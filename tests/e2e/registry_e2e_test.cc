@@ -178,8 +178,7 @@ std::string Condition(const std::string& Settings, const std::string& Mark) {
 
 TEST(ComConditionEndToEnd, RunsSkipsOrFailsItsChildren) {
   RegistryRun T;
-  const std::string& Store = T.Store;
-  WriteText(Store, R"({
+  WriteText(T.Store, R"({
   "HKEY_CLASSES_ROOT\\Acme.Tool\\CLSID": {"": {"type": "REG_SZ", "data": "{0002DF01-0000-0000-C000-000000000046}"}},
   "HKEY_CLASSES_ROOT\\CLSID\\{0002df01-0000-0000-c000-000000000046}": {}
 })");
@@ -216,8 +215,8 @@ TEST(ComConditionEndToEnd, RunsSkipsOrFailsItsChildren) {
     // The status marks a condition that did not hold and did not fail.
     EXPECT_EQ(ActionEnd(R, Id).value("status", 0), Id == "3" || Id == "8" ? 9 : 0);
   }
-  EXPECT_EQ(ReadText(Store).find("\"c\""), std::string::npos);
-  EXPECT_NE(ReadText(Store).find("\"d\""), std::string::npos);
+  EXPECT_EQ(ReadText(T.Store).find("\"c\""), std::string::npos);
+  EXPECT_NE(ReadText(T.Store).find("\"d\""), std::string::npos);
 }
 
 // Latin-1 text as UTF-16 little-endian with its byte-order mark, as the

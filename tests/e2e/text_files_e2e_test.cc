@@ -66,9 +66,7 @@ actions:
 
 TEST(TextFilesE2E, FailedWritesLeaveEveryFileAsItWas) {
   TempDir D;
-  WriteText(D / "locked.txt", "old");
-  chmod((D / "locked.txt").c_str(), 0444);
-  fs::create_directory(D / "folder");
+  MakeTree(D.Path(), {"locked.txt=old [ro]", "folder/"});
   ZtResult R = RunZt(D.Path(), R"(
 actions:
   - {action: Write to Text File, FileName: missing.txt, NewContent: B, ignoreFailure: true}

@@ -164,11 +164,10 @@ TEST(TextFindE2E, FileSetTotalGoesIntoAVariableAlsoForAnEmptySet) {
 using namespace std::string_literals;
 
 TEST(TextReplaceEndToEnd, ReplacesPlainBytesLeftToRight) {
-  struct Case {
+  const struct {
     std::string Before, Search, Replace, Options, After;
     int Count;
-  };
-  const std::vector<Case> Cases = {
+  } Cases[] = {
       {"Foo foo FOO\r\nfoo", "foo", "bar", "CaseSensitive: false", "bar bar bar\r\nbar", 4},
       {"Foo foo FOO\r\nfoo", "foo", "", "", "Foo  FOO\r\n", 2},
       {"aaaaa", "aa", "b", "", "bba", 2},
@@ -178,7 +177,7 @@ TEST(TextReplaceEndToEnd, ReplacesPlainBytesLeftToRight) {
       {"\xC3\xA9t\xC3\xA9 \xC3\x89T\xC3\x89", "\xC3\xA9t\xC3\xA9", "ete", "CaseSensitive: false",
        "ete \xC3\x89T\xC3\x89", 1},
   };
-  for (const Case& C : Cases) {
+  for (const auto& C : Cases) {
     TempDir Dir;
     Dir.Write("f.txt", C.Before);
     ZtResult R = RunZt(Dir.Path(),
