@@ -25,41 +25,38 @@ TEST(ChecksumsEndToEnd, CRC32Rules) {
   const std::string Crc = "action: Calculate File CRC32, ";
   const std::string Said = "CRC32 for check.txt is $CBF43926";
   // clang-format off
-  ExpectCases(
-      {
-          {Crc + "FileName: check.txt", kFiles, {Said}, "success", kFiles, R"({"DIR": "."})"},
-          {Crc + "FileName: '%DIR%/check.txt', ZTVariable: Sum", kFiles, {Said}, "success", kFiles,
-           R"({"DIR": ".", "Sum": "$CBF43926"})"},
-          {Crc + "FileName: small", kFiles, {"CRC32 for small is $0000ABCD"}, "success", kFiles},
-          // Decimal: unsigned, without leading zeros.
-          {Crc + "FileName: ones, UseDecimal: true", kFiles, {"CRC32 for ones is 4294967295"}, "success", kFiles},
-          {Crc + "FileName: small, UseDecimal: true", kFiles, {"CRC32 for small is 43981"}, "success", kFiles},
-          {Crc + "FileName: nowhere.bin, ZTVariable: Sum", {}, {"ERROR - File missing: nowhere.bin"}, "failure", {},
-           R"({"DIR": "."})"},
-          {Crc + "FileName: '%UNDEFINED%/a.bin'", {}, {"Cannot expand FileName: variable \"UNDEFINED\" is not defined"},
-           "failure", {}},
-          // A second file, then an expected value, in that order.
-          {Crc + "FileName: check.txt, FailIfDiffToFile: true, CompareToFile: copy.txt", kFiles,
-           {Said, "CRC matches file: copy.txt"}, "success", kFiles},
-          {Crc + "FileName: first, ZTVariable: Sum, FailIfDiffToFile: true, CompareToFile: second", kFiles,
-           {"CRC32 for first is $9271EE57", "CRC don't match", "File 2 CRC: $B61F1169"}, "failure", kFiles,
-           R"({"DIR": ".", "Sum": "$9271EE57"})"},
-          {Crc + "FileName: check.txt, FailIfDiffToFile: true, CompareToFile: gone", kFiles,
-           {Said, "ERROR - File missing: gone"}, "failure", kFiles},
-          {Crc + "FileName: check.txt, FailIfDiffToFile: true, CompareToFile: '%NOPE%'", kFiles,
-           {Said, "Cannot expand Compare to File: variable \"NOPE\" is not defined"}, "failure", kFiles},
-          {Crc + "FileName: check.txt, FailIfDiffToCRC: true, CompareToCRC: $CBF43926", kFiles, {Said, "CRC matches."},
-           "success", kFiles},
-          {Crc + "FileName: check.txt, FailIfDiffToCRC: true, CompareToCRC: $cbf43926", kFiles,
-           {Said, "CRC don't match", "Compare to CRC: $cbf43926"}, "failure", kFiles},
-          {Crc + "FileName: check.txt, UseDecimal: true, FailIfDiffToCRC: true, CompareToCRC: '3421780262'", kFiles,
-           {"CRC32 for check.txt is 3421780262", "CRC matches."}, "success", kFiles},
-          {Crc + "FileName: check.txt, FailIfDiffToFile: true, CompareToFile: copy.txt, FailIfDiffToCRC: true, "
-                 "CompareToCRC: $00000000",
-           kFiles, {Said, "CRC matches file: copy.txt", "CRC don't match", "Compare to CRC: $00000000"}, "failure",
-           kFiles},
-      },
-      {"--var", "DIR=."});
+  ExpectCases({
+      {Crc + "FileName: check.txt", kFiles, {Said}, "success", kFiles, R"({"DIR": "."})"},
+      {Crc + "FileName: '%DIR%/check.txt', ZTVariable: Sum", kFiles, {Said}, "success", kFiles,
+       R"({"DIR": ".", "Sum": "$CBF43926"})"},
+      {Crc + "FileName: small", kFiles, {"CRC32 for small is $0000ABCD"}, "success", kFiles},
+      // Decimal: unsigned, without leading zeros.
+      {Crc + "FileName: ones, UseDecimal: true", kFiles, {"CRC32 for ones is 4294967295"}, "success", kFiles},
+      {Crc + "FileName: small, UseDecimal: true", kFiles, {"CRC32 for small is 43981"}, "success", kFiles},
+      {Crc + "FileName: nowhere.bin, ZTVariable: Sum", {}, {"ERROR - File missing: nowhere.bin"}, "failure", {},
+       R"({"DIR": "."})"},
+      {Crc + "FileName: '%UNDEFINED%/a.bin'", {}, {"Cannot expand FileName: variable \"UNDEFINED\" is not defined"},
+       "failure", {}},
+      // A second file, then an expected value, in that order.
+      {Crc + "FileName: check.txt, FailIfDiffToFile: true, CompareToFile: copy.txt", kFiles,
+       {Said, "CRC matches file: copy.txt"}, "success", kFiles},
+      {Crc + "FileName: first, ZTVariable: Sum, FailIfDiffToFile: true, CompareToFile: second", kFiles,
+       {"CRC32 for first is $9271EE57", "CRC don't match", "File 2 CRC: $B61F1169"}, "failure", kFiles,
+       R"({"DIR": ".", "Sum": "$9271EE57"})"},
+      {Crc + "FileName: check.txt, FailIfDiffToFile: true, CompareToFile: gone", kFiles,
+       {Said, "ERROR - File missing: gone"}, "failure", kFiles},
+      {Crc + "FileName: check.txt, FailIfDiffToFile: true, CompareToFile: '%NOPE%'", kFiles,
+       {Said, "Cannot expand Compare to File: variable \"NOPE\" is not defined"}, "failure", kFiles},
+      {Crc + "FileName: check.txt, FailIfDiffToCRC: true, CompareToCRC: $CBF43926", kFiles, {Said, "CRC matches."},
+       "success", kFiles},
+      {Crc + "FileName: check.txt, FailIfDiffToCRC: true, CompareToCRC: $cbf43926", kFiles,
+       {Said, "CRC don't match", "Compare to CRC: $cbf43926"}, "failure", kFiles},
+      {Crc + "FileName: check.txt, UseDecimal: true, FailIfDiffToCRC: true, CompareToCRC: '3421780262'", kFiles,
+       {"CRC32 for check.txt is 3421780262", "CRC matches."}, "success", kFiles},
+      {Crc + "FileName: check.txt, FailIfDiffToFile: true, CompareToFile: copy.txt, FailIfDiffToCRC: true, "
+             "CompareToCRC: $00000000",
+       kFiles, {Said, "CRC matches file: copy.txt", "CRC don't match", "Compare to CRC: $00000000"}, "failure", kFiles},
+  }, {"--var", "DIR=."});
   // clang-format on
 }
 

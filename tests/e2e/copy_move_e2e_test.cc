@@ -162,20 +162,5 @@ TEST(CopyMoveEndToEnd, MoveRulesThatDependOnTheOrderOfTheSearch) {
   EXPECT_EQ(Tree(D / "two"), (Lines{"a.txt=a", "b.txt=b"}));
 }
 
-TEST(CopyMoveEndToEnd, CopyLogsOneProgressLinePerFile) {
-  TempDir D;
-  MakeTree(D.Path(), {"src/a.txt=alpha", "src/sub/b.txt=bravo"});
-  ZtResult R = RunZt(D.Path(), R"(actions:
-  - {action: Copy File(s), FileSpec: src/*.txt, Target: tree, Recurse: true, Force: true}
-)");
-  Lines Progress;
-  for (const auto& E : R.Events)
-    if (E.value("event", "") == "progress")
-      Progress.push_back(E.value("text", "") + " " + E["percent"].dump());
-  const std::string A = "Copying File : src/a.txt to : tree/a.txt",
-                    B = "Copying File : src/sub/b.txt to : tree/sub/b.txt";
-  EXPECT_EQ(Progress, (Lines{A + " 0", A + " 100", B + " 0", B + " 100"}));
-}
-
 }  // namespace
 }  // namespace zt::testing

@@ -21,19 +21,17 @@ using Lines = std::vector<std::string>;
 TEST(FileActionsE2E, CreateDirectoryRules) {
   const std::string Create = "action: Create Directory, FileOrDirectory: ";
   // clang-format off
-  ExpectCases(
-      {
-          {Create + "'  %OUT%  '", {}, {"Created directory : out"}, "success", {"out/"}},
-          {Create + "here", {"here/keep.txt"}, {"Created directory : here"}, "success", {"here/keep.txt"}},
-          {Create + "a/b/c", {}, {"Unable to Create directory : a/b/c"}, "failure", {}},
-          {Create + "a/b/c, Force: true", {}, {"Created directory : a/b/c"}, "success", {"a/b/c/"}},
-          {Create + "taken, Force: true", {"taken=data"}, {"Unable to Create directory : taken"}, "failure",
-           {"taken=data"}},
-          {Create + "' '", {}, {}, "success", {}},
-          {Create + "'%MISSING%/x'", {}, {"Unable to Create directory : ", "Variable \"MISSING\" is not defined"},
-           "failure", {}},
-      },
-      {"--var", "OUT=out"});
+  ExpectCases({
+      {Create + "'  %OUT%  '", {}, {"Created directory : out"}, "success", {"out/"}},
+      {Create + "here", {"here/keep.txt"}, {"Created directory : here"}, "success", {"here/keep.txt"}},
+      {Create + "a/b/c", {}, {"Unable to Create directory : a/b/c"}, "failure", {}},
+      {Create + "a/b/c, Force: true", {}, {"Created directory : a/b/c"}, "success", {"a/b/c/"}},
+      {Create + "taken, Force: true", {"taken=data"}, {"Unable to Create directory : taken"}, "failure",
+       {"taken=data"}},
+      {Create + "' '", {}, {}, "success", {}},
+      {Create + "'%MISSING%/x'", {}, {"Unable to Create directory : ", "Variable \"MISSING\" is not defined"},
+       "failure", {}},
+  }, {"--var", "OUT=out"});
   // clang-format on
 }
 

@@ -22,15 +22,8 @@ TEST(ConcatEndToEnd, JoinsPartsInNameOrderWithSeparatorsAndOneByteOrderMark) {
   MakeTree(Dir.Path(), {"parts/b.txt=" + kBom + "b", "parts/a.txt=" + kBom + "a\0x"s,
                         "parts/c.txt=", "extra.bin=e" + kBom + "mid"});
   ZtResult R = RunZt(Dir.Path(), R"(actions:
-  - action: Concatenate Files
-    SourceFiles: |
-      parts/*.txt
-
-      extra.bin
-    TargetFile: out/dir/all.txt
-    Separator: "\n"
-    SkipByteOrderMarks: true
-    Force: true
+  - {action: Concatenate Files, SourceFiles: "parts/*.txt\n\nextra.bin\n", TargetFile: out/dir/all.txt,
+     Separator: "\n", SkipByteOrderMarks: true, Force: true}
   - {action: Concatenate Files, SourceFiles: parts/a.txt, TargetFile: out/dir/all.txt, Separator: "|",
      SkipByteOrderMarks: true, AppendToTarget: true}
 )");
@@ -83,11 +76,10 @@ TEST(FileCompareEndToEnd, AnswersEqualOrSaysWhereTheyDiffer) {
            {"a=abc", "a2=abc", "longer=abcd", "big1=" + Block + Block, "hard => a",
             "big2=" + Block.substr(0, Block.size() - 1) + "!" + Block, "win.txt=one\r\ntwo\r\nthree\r\n",
             "unix.txt=one\ntwo\nthree", "mac.txt=one\rtwo\rTHREE\r"});
-  struct Case {
+  const struct {
     std::string First, Second, Mode;
     Lines Messages;
-  };
-  const std::vector<Case> Cases = {
+  } Cases[] = {
       // clang-format off
       {"a", "a2", "cmBinary", {"Files are identical : a = a2"}},
       {"a", "hard", "cmBinary", {"Files are identical : a = hard"}},
@@ -100,19 +92,19 @@ TEST(FileCompareEndToEnd, AnswersEqualOrSaysWhereTheyDiffer) {
       // clang-format on
   };
   std::string Project = "actions:\n";
-  for (const Case& C : Cases)
+  for (const auto& C : Cases)
     Project += "  - {action: File Compare, FileName: " + C.First + ", CompareToFile: " + C.Second +
                ", CompareMode: " + C.Mode + ", ZTVariable: SAME, ignoreFailure: true}\n";
   Project += "  - {action: File Compare, FileName: a, CompareToFile: longer, FailIfDifferent: false}\n";
   ZtResult R = RunZt(Dir.Path(), Project);
   EXPECT_EQ(R.ExitCode, 0) << R.Stderr;
-  for (std::size_t I = 0; I < Cases.size(); ++I) {
+  for (std::size_t I = 0; I < std::size(Cases); ++I) {
     const std::string Id = std::to_string(I + 1);
     EXPECT_EQ(Messages(R, Id), Cases[I].Messages) << Id;
     const bool Same = Cases[I].Messages[0].starts_with("Files are identical");
     EXPECT_EQ(ActionResult(R, Id), Same ? "success" : "ignored") << Id;
   }
-  EXPECT_EQ(ActionResult(R, std::to_string(Cases.size() + 1)), "success");
+  EXPECT_EQ(ActionResult(R, std::to_string(std::size(Cases) + 1)), "success");
   EXPECT_EQ(FinalVariables(R)["SAME"], false);  // left by the last compare that read both files
 }
 

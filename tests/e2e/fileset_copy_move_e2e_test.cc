@@ -39,19 +39,17 @@ actions:
 )");
   EXPECT_EQ(R.ExitCode, 0) << R.Stderr;
   const std::string No = "Found no files from File Set";
-  const Lines Said1 = {"Found files from File Set"}, SaidNo = {No},
-              SaidUnknown = {"Could not find FileSet: Headers"};
   const struct {
-    std::string Id;
-    Lines Log;
-    std::string Result, Variable;
-  } Cases[] = {{"1", Said1, "success", "Found"},
-               {"2", SaidNo, "ignored", "Excluded"},
-               {"3", SaidNo, "ignored", "NoBase"},
-               {"4", SaidUnknown, "ignored", "Unknown"},
-               {"6", SaidNo, "ignored", "Refreshed"}};  // its one file is gone
+    std::string Id, Said, Result, Variable;
+  } Cases[] = {
+      {"1", "Found files from File Set", "success", "Found"},
+      {"2", No, "ignored", "Excluded"},
+      {"3", No, "ignored", "NoBase"},
+      {"4", "Could not find FileSet: Headers", "ignored", "Unknown"},
+      {"6", No, "ignored", "Refreshed"},  // its one file is gone
+  };
   for (const auto& C : Cases) {
-    EXPECT_EQ(Said(R, C.Id), C.Log) << C.Id;
+    EXPECT_EQ(Said(R, C.Id), Lines{C.Said}) << C.Id;
     EXPECT_EQ(ActionResult(R, C.Id), C.Result) << C.Id;
     EXPECT_EQ(FinalValue(R, C.Variable), C.Result == "success") << C.Id;
   }

@@ -91,8 +91,8 @@ TEST(VersionInfoEndToEnd, FilesWithoutUsableVersionInformationGiveTheirOwnLine) 
   };
   std::string Yaml = "variables:\n  V: untouched\nactions:\n";
   for (const auto& C : Cases)
-    Yaml += "  - action: Extract Version Info\n    FileName: " + C.File +
-            "\n    ZTVariable: V\n    FailIfNoVersionInfo: false\n    ignoreFailure: true\n";
+    Yaml += "  - {action: Extract Version Info, FileName: " + C.File +
+            ", ZTVariable: V, FailIfNoVersionInfo: false, ignoreFailure: true}\n";
   ZtResult R = RunZt(D.Path(), Yaml);
   for (std::size_t I = 0; I < std::size(Cases); ++I) {
     EXPECT_EQ(Messages(R, std::to_string(I + 1)), Lines{Cases[I].Line});
