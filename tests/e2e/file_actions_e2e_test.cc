@@ -158,8 +158,8 @@ TEST(FileActionsE2E, TouchRules) {
     for (const std::string& F : C.Files)
       if (!F.ends_with("/")) SetStamp(D / F.substr(0, F.find(" [")), Old);
     const bool OwnDate = C.Settings.find("DateTime") != std::string::npos;
-    const std::string Action = Touch + (OwnDate ? "" : When) + C.Settings;
-    const ZtResult R = RunZt(D.Path(), "actions:\n  - {" + Action + "}\n", {"--var", "D=d"});
+    const ZtResult R = RunZt(D.Path(), "actions:\n  - {" + Touch + (OwnDate ? "" : When) + C.Settings + "}\n",
+                             {"--var", "D=d"});
     EXPECT_EQ(Said(R, "1"), C.Log) << R.Stderr;
     EXPECT_EQ(ActionResult(R, "1"), C.Result);
     for (const std::string& S : C.Stamps)
