@@ -151,8 +151,7 @@ TEST(HostCommandsTest, VersionAndHelpWorkEverywhere) {
   R = RunZtArgs(D.Path(), {"run", "--help"});
   EXPECT_EQ(R.ExitCode, 0);
   EXPECT_NE(R.Stdout.find("--log-json"), std::string::npos);
-  R = RunZtArgs(D.Path(), {});
-  EXPECT_EQ(R.ExitCode, 2);
+  EXPECT_EQ(RunZtArgs(D.Path(), {}).ExitCode, 2);
 }
 
 TEST(HostLoadTest, ProjectsThatCannotRunExitTwoNamingFileAndLine) {

@@ -53,11 +53,8 @@ TEST(HostRunTest, JsonLogOnStandardOutputCarriesTimesLinesAndTheFailedAction) {
   TempDir D;
   WriteText(D / "project.yml", R"(name: Fields
 actions:
-  - action: Create Directory
-    FileOrDirectory: out
-  - action: Create Directory
-    title: "Make: the dir, now"
-    FileOrDirectory: missing/dir
+  - {action: Create Directory, FileOrDirectory: out}
+  - {action: Create Directory, title: "Make: the dir, now", FileOrDirectory: missing/dir}
 )");
   ZtResult R = RunZtArgs(D.Path(), {"run", "project.yml", "--log-json", "-", "--annotations", "github"});
   EXPECT_EQ(R.ExitCode, 1) << R.Stderr;
@@ -79,12 +76,12 @@ actions:
   EXPECT_EQ(Events[0]["schema"], 1);
   EXPECT_EQ(Events[4]["id"], "2");
   EXPECT_EQ(Events[4]["file"], "project.yml");
-  EXPECT_EQ(Events[4]["line"], 5);
+  EXPECT_EQ(Events[4]["line"], 4);
   EXPECT_EQ(Events[8]["failed"], "2");
   // GitHub's escapes: ':' and ',' only in the title, which is a property.
   EXPECT_NE(
-      R.Stderr.find("\nproject.yml:5: [2] Make: the dir, now: Unable to Create directory : missing/dir\n"
-                    "::error file=project.yml,line=5,title=[2] Make%3A the dir%2C now::Unable to Create "
+      R.Stderr.find("\nproject.yml:4: [2] Make: the dir, now: Unable to Create directory : missing/dir\n"
+                    "::error file=project.yml,line=4,title=[2] Make%3A the dir%2C now::Unable to Create "
                     "directory : missing/dir\n"),
       std::string::npos)
       << R.Stderr;

@@ -5,8 +5,6 @@
 #include <gtest/gtest.h>
 #include <signal.h>
 
-#include <filesystem>
-
 #include "ZtRunner.h"
 #include "support/Files.h"
 #include "support/TempDir.h"
@@ -14,7 +12,6 @@
 namespace zt::testing {
 namespace {
 
-namespace fs = std::filesystem;
 using Lines = std::vector<std::string>;
 
 TEST(ScriptsE2E, RunScriptTakesItsResultFromActionResult) {
@@ -164,7 +161,7 @@ TEST(ScriptsE2E, EachRunOfAnActionHasItsOwnStateAndLoopsOfferReset) {
   - {action: List Iterator, ZTVariable: ITEM, ListOfItems: [a, b],
      scripts: {AfterAction: 'Log("index " .. Action.ItemIndex) Action:Reset() Log("index " .. Action.ItemIndex)'},
      actions: [{action: Read Text File, FileName: lines.txt,
-                scripts: {OnReadLine: 'Count = (Count or 0) + 1 Log(GetVariable("ITEM") .. Count .. " " .. LineText)'}}]}
+                scripts: {OnReadLine: 'Count = (Count or 0) + 1 Log(GetVariable("ITEM") .. Count .. " " ..LineText)'}}]}
 )");
   ASSERT_EQ(R.ExitCode, 0) << R.Stdout << R.Stderr;
   // The per-line script counts across its run's lines, and starts afresh on the next pass.
@@ -183,14 +180,14 @@ TEST(ScriptsE2E, ExampleProjectTagsTheReleaseSkipsOnRequestAndForgivesMissingNot
   EXPECT_EQ(FinalValue(R, "TAG"), "v1.4.2");
   EXPECT_EQ(ActionResult(R, "3"), "skipped");
   EXPECT_EQ(Messages(R, "3"), (Lines{"keeping the logs"}));
-  EXPECT_TRUE(fs::exists(D / "scripts-output/old.log"));
+  EXPECT_TRUE(Exists(D / "scripts-output/old.log"));
   EXPECT_EQ(ActionResult(R, "4"), "success");
   EXPECT_EQ(Messages(R, "4").back(), "no release notes: going on without them");
 
   R = RunZt(D.Path(), "");
   ASSERT_EQ(R.ExitCode, 0) << R.Stdout << R.Stderr;
   EXPECT_EQ(ActionResult(R, "3"), "success");
-  EXPECT_FALSE(fs::exists(D / "scripts-output/old.log"));
+  EXPECT_FALSE(Exists(D / "scripts-output/old.log"));
 }
 
 TEST(DemoProjectTest, PackagesTheDocumentsAndCleansTheOutput) {
