@@ -36,7 +36,6 @@ TEST(FormatDateTime, WritesWhatTheCodesSay) {
       {"hh:mm:ss mm", Morning, "09:07:03 03"},
       {"hh'h'mm", Morning, "09h07"},
       {"t|tt", Morning, "09:07|09:07:03"},
-      {"c", Morning, "03/05/2024 09:07:03"},
       {"", Morning, "03/05/2024 09:07:03"},
       // The twelve-hour clock, in the code's letter case.
       {"h:nn am/pm", At(2024, 3, 5, 21, 7, 0), "9:07 pm"},

@@ -3,14 +3,13 @@
 // check the platform layer with itself.
 #pragma once
 
-#include <dirent.h>
 #include <sys/stat.h>
 #include <sys/xattr.h>
 
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
-#include <sstream>
+#include <iterator>
 #include <string>
 #include <vector>
 
@@ -25,11 +24,10 @@ inline void WriteText(const std::string& Path, const std::string& Text = "x", mo
   if (Mode != 0) chmod(Path.c_str(), Mode);
 }
 
+// The bytes of the file at Path; "" when it cannot be read.
 inline std::string ReadText(const std::string& Path) {
   std::ifstream In(Path, std::ios::binary);
-  std::stringstream S;
-  S << In.rdbuf();
-  return S.str();
+  return {std::istreambuf_iterator<char>(In), std::istreambuf_iterator<char>()};
 }
 
 // True for anything at Path, a dangling link included.
@@ -47,11 +45,8 @@ inline mode_t ModeOf(const std::string& Path) {
 // Names in a directory, "." and ".." left out, sorted.
 inline std::vector<std::string> ListNames(const std::string& Dir) {
   std::vector<std::string> Names;
-  if (DIR* D = opendir(Dir.c_str())) {
-    while (dirent* E = readdir(D))
-      if (std::string(E->d_name) != "." && std::string(E->d_name) != "..") Names.push_back(E->d_name);
-    closedir(D);
-  }
+  std::error_code Ec;
+  for (const auto& E : std::filesystem::directory_iterator(Dir, Ec)) Names.push_back(E.path().filename());
   std::sort(Names.begin(), Names.end());
   return Names;
 }

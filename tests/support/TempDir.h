@@ -2,12 +2,12 @@
 // (read-only files included) when the test ends.
 #pragma once
 
+#include <stdlib.h>
+
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <string>
 
-#include <stdlib.h>
+#include "support/Files.h"
 
 namespace zt::testing {
 
@@ -35,14 +35,11 @@ class TempDir {
 
   // Writes Bytes to the file Name (created or replaced) and returns its path.
   std::string Write(const std::string& Name, const std::string& Bytes) const {
-    std::ofstream(*this / Name, std::ios::binary) << Bytes;
+    WriteText(*this / Name, Bytes);
     return *this / Name;
   }
   // The bytes of the file Name; "" when it cannot be read.
-  std::string Read(const std::string& Name) const {
-    std::ifstream In(*this / Name, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(In), std::istreambuf_iterator<char>());
-  }
+  std::string Read(const std::string& Name) const { return ReadText(*this / Name); }
 
  private:
   std::string Path_;
