@@ -3,8 +3,8 @@
 # `rsync -a --delete` on a tree of 20,000 files in 200 directories, in the
 # same run: the first copy, a second run with nothing changed, and a run after
 # 10 % of the files changed and 10 % extra files appeared at the destination;
-# then /MT:8 against one thread. Each row runs three times, interleaved, each
-# after a sync; the best time counts. Output lines are left out (/NFL /NDL
+# then /MT:8 against one thread, and `zt xcopy /E /I` against `cp -r`. Each
+# row runs three times, interleaved, each after a sync; the best time counts. Output lines are left out (/NFL /NDL
 # /NJH /NJS), as cp and rsync print nothing either.
 #
 # usage: bench/robocopy/run.sh [BUILD_DIR]   (default: build/release; TMPDIR picks the file system)
@@ -87,3 +87,7 @@ row "Mirror, 10 % changed + 10 % extra" "$churn_zt" "$first_cp" "$churn_rs"
 one=$(best_of "rm -rf $WORK/a" "$ZT robocopy $WORK/src $WORK/a /MIR $Q")
 eight=$(best_of "rm -rf $WORK/a" "$ZT robocopy $WORK/src $WORK/a /MIR /MT:8 $Q")
 printf '%-34s one thread %7.3f s   /MT:8 %7.3f s   (%s faster)\n' "Mirror, /MT:8" "$one" "$eight" "$(ratio "$one" "$eight")"
+
+xcopy_zt=$(best_of "rm -rf $WORK/x" "$ZT xcopy $WORK/src $WORK/x /E /I /Q /Y || echo xcopy failed >&2")
+xcopy_cp=$(best_of "rm -rf $WORK/b" "cp -r $WORK/src $WORK/b")
+printf '%-34s zt %7.3f s   cp -r %7.3f s (%s)\n' "XCopy /E /I, first copy" "$xcopy_zt" "$xcopy_cp" "$(ratio "$xcopy_zt" "$xcopy_cp")"
