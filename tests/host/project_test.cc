@@ -295,6 +295,16 @@ TEST_F(ProjectTest, WhatCannotBeLoadedIsOneLineNamingTheFileLine) {
       {"variables:\n  X: [1]\nactions: []\n", "p.yml:2: variable \"X\" must be a text, Boolean or integer"},
   };
   for (const auto& [Yaml, Error] : Cases) EXPECT_EQ(ErrorOf(Yaml), Error) << Yaml;
+  // Aliases of aliases: ten million nodes, refused at the limit (counted, not walked).
+  std::string Bomb = "a0: &a0 [x, x, x, x, x, x, x, x, x, x]\n";
+  for (int I = 1; I < 7; ++I) {
+    const std::string Use = "*a" + std::to_string(I - 1);
+    Bomb += "a" + std::to_string(I) + ": &a" + std::to_string(I) + " [" + Use;
+    for (int J = 1; J < 10; ++J) Bomb += ", " + Use;
+    Bomb += "]\n";
+  }
+  EXPECT_EQ(ErrorOf(Bomb + "actions: []\n"),
+            "p.yml:5: the project has more than 1000000 YAML nodes (counting every use of an alias)");
 }
 
 TEST_F(ProjectTest, ExceptionFromExecuteFailsTheActionWithAHostLine) {
