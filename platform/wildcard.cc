@@ -63,15 +63,14 @@ class Matcher {
     switch (Pattern_[P].Kind) {
       case Token::Literal:
         return !AtEnd && Name_[N] == Pattern_[P].C && Match(P + 1, N + 1);
+      // A star matches nothing here, or one more character and is still a
+      // star: every cell then costs constant time, so a pattern of many stars
+      // takes time in proportion to the pattern's length times the name's.
       case Token::Star:
-        for (size_t K = N; K <= Name_.size(); ++K)
-          if (Match(P + 1, K)) return true;
-        return false;
+        return Match(P + 1, N) || (!AtEnd && Match(P, N + 1));
       case Token::DosStar: {
-        size_t Limit = (LastDot_ != std::string_view::npos && LastDot_ >= N) ? LastDot_ : Name_.size();
-        for (size_t K = N; K <= Limit; ++K)
-          if (Match(P + 1, K)) return true;
-        return false;
+        const size_t Limit = (LastDot_ != std::string_view::npos && LastDot_ >= N) ? LastDot_ : Name_.size();
+        return Match(P + 1, N) || (N < Limit && Match(P, N + 1));
       }
       case Token::DosQm:
         if (AtEnd || Name_[N] == '.') {
