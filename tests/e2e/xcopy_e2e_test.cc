@@ -127,6 +127,9 @@ TEST(XCopyTool, SwitchesSelectWriteAndReportAsXCopyDoes) {
       {{"nope", "out"}, {}, "File not found - nope\n0 File(s) copied\n", 4, {}},
       {{"src", "src/sub/out", "/S"}, {}, "Cannot perform a cyclic copy\n0 File(s) copied\n", 4, {}},
       {{"src", "out", "/P"}, {}, "Invalid switch - /P\n", 4, {}},
+      // "@/" stands for the folder's absolute path: a '/'-word is a path until two are given.
+      {{"@/src", "@/out", "/Q"}, {}, "2 File(s) copied\n", 0, {"a.txt=a [0x20]", "b.log=bb [0x20]"}},
+      {{"src", "out", "/Q", "/home"}, {}, "Invalid switch - /home\n", 4, {}},
       // clang-format on
   };
   for (const auto& C : Cases) {
@@ -138,6 +141,8 @@ TEST(XCopyTool, SwitchesSelectWriteAndReportAsXCopyDoes) {
       fs::last_write_time(E.path(), fs::file_time_type::clock::now() - std::chrono::seconds(1000));
     MakeTree(D.Path(), C.Before);
     Lines Args = C.Args;
+    for (std::string& A : Args)
+      if (A.starts_with("@/")) A = D.Path() + A.substr(1);
     Args.insert(Args.begin(), "xcopy");
     const ZtResult R = RunZtArgs(D.Path(), Args);
     EXPECT_EQ(R.ExitCode, C.ExitCode);
