@@ -3,6 +3,7 @@
 // program is writing; validation.
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -93,7 +94,12 @@ TEST(ChecksumsEndToEnd, AFileAnotherProgramWritesCannotBeHashed) {
   TempDir D;
   MakeTree(D.Path(), {"busy.log=in use", "a.txt=in use"});
   TestProcess Writer({"/bin/sh", "-c", "exec 3>>" + (D / "busy.log") + "; exec sleep 60"});
-  ASSERT_TRUE(WaitUntil([&] { return Exists("/proc/" + std::to_string(Writer.Pid()) + "/fd/3"); }));
+  // fd 3 is the log only once the shell has run: before that it may be one the child inherited.
+  const std::string Fd = "/proc/" + std::to_string(Writer.Pid()) + "/fd/3";
+  ASSERT_TRUE(WaitUntil([&] {
+    std::error_code E;
+    return std::filesystem::read_symlink(Fd, E) == D / "busy.log";
+  }));
   ZtResult R = RunZt(D.Path(), R"(actions:
   - {action: Calculate File MD5, FileName: busy.log, ignoreFailure: true}
   - {action: Calculate File MD5, FileName: a.txt, FailIfDiffToFile: true, CompareToFile: busy.log}
