@@ -153,7 +153,8 @@ class ProjectTest : public ::testing::Test {
     for (auto& N : P.Actions) static_cast<TTestAction&>(*N.Action).Behaviour = Behaviour;
   }
   TTestAction& Action(std::size_t I) { return static_cast<TTestAction&>(*P.Actions.at(I).Action); }
-  const frame::TZTPropInfo& Property(const std::string& Name) {
+  // A copy: Properties() returns its list by value.
+  frame::TZTPropInfo Property(const std::string& Name) {
     return FindProperty(TTestAction::ClassType().Properties(), Name);
   }
   // The one-line error for a project that cannot be loaded, "" when it loads.
