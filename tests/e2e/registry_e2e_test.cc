@@ -68,13 +68,16 @@ actions:
      RegValueName: Mask, RegValType: rtDWord, ZTVariable: D}
   - {action: Read Registry Value, RegRoot: HKEY_CURRENT_USER, RegKey: Software\Acme\Tool,
      RegValueName: Enabled, RegValType: rtBoolean, ZTVariable: B}
+  - {action: Set Registry Value, RegRoot: HKEY_CURRENT_USER, RegKey: Software\Acme\Tool,
+     RegValueName: Off, RegValType: rtBoolean, RegValue: "false"}
 )");
   EXPECT_EQ(R.ExitCode, 0) << R.Stderr;
   const Lines Expected[] = {{"Set Value Name to : Acme Tool"},  {"Set Value Count to : -5"},
                             {"Set Value Mask to : 4294967295"}, {"Set Value Enabled to : True"},
                             {"Read Value : Acme Tool"},         {"Read Value : -5"},
-                            {"Read Value : 4294967295"},        {"Read Value : True"}};
-  for (int I = 0; I < 8; ++I) EXPECT_EQ(Messages(R, std::to_string(I + 1)), Expected[I]);
+                            {"Read Value : 4294967295"},        {"Read Value : True"},
+                            {"Set Value Off to : false"}};
+  for (int I = 0; I < 9; ++I) EXPECT_EQ(Messages(R, std::to_string(I + 1)), Expected[I]);
   EXPECT_EQ(FinalVariables(R),
             nlohmann::json::parse(R"({"APP":"Acme","S":"Acme Tool","I":-5,"D":4294967295,"B":true})"));
   EXPECT_EQ(ReadText(T.Store), R"({
@@ -82,7 +85,8 @@ actions:
     "Name": {"type": "REG_SZ", "data": "Acme Tool"},
     "Count": {"type": "REG_DWORD", "data": 4294967291},
     "Mask": {"type": "REG_DWORD", "data": 4294967295},
-    "Enabled": {"type": "REG_DWORD", "data": 1}
+    "Enabled": {"type": "REG_DWORD", "data": 1},
+    "Off": {"type": "REG_DWORD", "data": 0}
   }
 }
 )");

@@ -124,6 +124,7 @@ TEST(RobocopyEndToEnd, ExitBitsAddUpAndFatalStandsAlone) {
   } Rows[] = {
       // clang-format off
       {"nothing to do", {"src", "dst", "/XX"}, 0},
+      {"switches that change nothing", {"src", "dst", "/XX", "/BYTES", "/ETA", "/UNICODE"}, 0},
       {"a copy", {"src", "dst", "/IS", "/XX"}, 1},
       {"an extra", {"src", "dst"}, 2},
       {"an extra not looked at", {"src", "dst", "/PURGE", "/XX"}, 0},

@@ -52,6 +52,7 @@ class FaultEnv : public pf::EnvWrapper {
   std::string Undeletable;              // a file name that cannot be deleted
   std::string VanishAfterFind;          // deleted once a search has found it
   std::string RefuseSetAside;           // an old target that cannot be set aside
+  std::string RefuseMoveFrom;           // a path that cannot be moved: access denied
   std::int64_t ChunkBytes = INT64_MAX;  // the most one copy chunk copies
   std::function<void(int)> OnChunk;     // with the chunk's number, before it is copied
   std::function<void()> AfterCopy;      // after each whole-file copy
@@ -93,6 +94,7 @@ class FaultEnv : public pf::EnvWrapper {
                              pf::LPPROGRESS_ROUTINE Progress, void* Data, pf::DWORD Flags) override {
     if (OtherVolume && fs::is_directory(Existing)) return pf::SetLastError(pf::ERROR_NOT_SAME_DEVICE), false;
     if (DiskFull) return pf::SetLastError(pf::ERROR_DISK_FULL), false;
+    if (Existing == RefuseMoveFrom) return pf::SetLastError(pf::ERROR_ACCESS_DENIED), false;
     return Target()->MoveFileWithProgressA(Existing, New, Progress, Data, Flags);
   }
   bool DeleteFile(const std::string& Path) override {
@@ -155,6 +157,23 @@ TEST(ActionFaults, MoveDirectoryWhoseSourceCannotBeDeletedAfterTheCopyLeavesBoth
                    " --> Error Deleting File : " + D / "src/sub/locked.txt",
                    " --> The process cannot access the file because it is being used by another process"}));
   EXPECT_EQ(Tree(D.Path()), (Lines{"dst/locked.txt=locked", "src/sub/locked.txt=locked"}));
+}
+
+TEST(ActionFaults, MoveDirectoryThatFailsPutsTheDirectoryItReplacesBack) {
+  Faulty<package::TZTMoveDirectoryAction> T;
+  const TempDir& D = T.Dir;
+  MakeTree(D.Path(), {"src/new.txt=new", "dst/old.txt=old"});
+  T.Action.SetFileOrDirectory(D / "src");
+  T.Action.SetTarget(D / "dst");
+  T.Action.SetReplaceExisting(true);
+  T.Env.RefuseMoveFrom = D / "src";
+  pf::ScopedEnv Use(&T.Env);
+  EXPECT_FALSE(T.Action.Execute());
+  EXPECT_EQ(T.Host.AllDetails(), (Lines{"Moving directory : " + D / "src" + " -> " + D / "dst",
+                                        "Replacing existing directory : " + D / "dst",
+                                        " --> Error Moving Directory : " + D / "src" + " -> " + D / "dst",
+                                        " --> Access is denied"}));
+  EXPECT_EQ(Tree(D.Path()), (Lines{"dst/old.txt=old", "src/new.txt=new"}));
 }
 
 TEST(ActionFaults, SetFileAttributesStopsAtTheFirstFileItCannotChange) {
