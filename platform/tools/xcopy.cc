@@ -9,7 +9,6 @@
 #include <cctype>
 #include <filesystem>
 #include <optional>
-#include <set>
 
 #include "platform/dates.h"
 #include "platform/files.h"
@@ -75,25 +74,17 @@ bool ReadExclusions(const std::string& Files, std::vector<std::string>& Lines, s
   return true;
 }
 
-// Switch names xcopy knows, the refused prompts (/P /W /-I) and /J included.
-bool IsXCopySwitch(const std::string& U) {
-  static const std::set<std::string> Names = {"/S", "/E", "/T", "/L", "/Q",  "/F",  "/H", "/A", "/M",
-                                              "/D", "/U", "/R", "/K", "/V",  "/C",  "/Y", "/-Y", "/I",
-                                              "/N", "/Z", "/G", "/O", "/X",  "/P",  "/W", "/-I", "/J"};
-  return Names.count(U) != 0 || U.rfind("/D:", 0) == 0 || U.rfind("/EXCLUDE:", 0) == 0;
-}
-
 // False with the line to report when a switch is not xcopy's. A '/'-word
 // that names no switch is a path (an absolute POSIX path) until the two
 // paths are given, as in the built-in robocopy.
 bool ParseArgs(const std::vector<std::string>& Args, TXCopySettings& S, std::string& Error) {
   std::vector<std::string> Paths;
   for (const std::string& A : Args) {
-    const std::string U = Upper(A);
-    if (A.size() < 2 || A[0] != '/' || (!IsXCopySwitch(U) && Paths.size() < 2)) {
+    if (A.size() < 2 || A[0] != '/') {
       Paths.push_back(NormalizeDelimiters(A));
       continue;
     }
+    const std::string U = Upper(A);
     bool* Flag = U == "/S"   ? &S.Subdirs
                  : U == "/E" ? &S.Empty
                  : U == "/T" ? &S.TreeOnly
@@ -123,7 +114,12 @@ bool ParseArgs(const std::vector<std::string>& Args, TXCopySettings& S, std::str
       }
     } else if (U != "/Y" && U != "/-Y" && U != "/I" && U != "/N" && U != "/Z" && U != "/G" && U != "/O" &&
                U != "/X") {
-      // Prompts (/P /W /-I), /J and anything unknown: a run that cannot ask.
+      const bool Refused = U == "/P" || U == "/W" || U == "/-I" || U == "/J" || U.rfind("/D:", 0) == 0;
+      if (!Refused && Paths.size() < 2) {
+        Paths.push_back(NormalizeDelimiters(A));
+        continue;
+      }
+      // Prompts (/P /W /-I), /J, a bad date and anything unknown: a run that cannot ask.
       Error = "Invalid switch - " + A;
       return false;
     }
