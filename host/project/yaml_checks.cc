@@ -52,7 +52,7 @@ class Walk {
       for (const auto& Item : Node) Visit(Item, LineOf(Item) ? LineOf(Item) : At);
     }
     Path_.pop_back();
-    if (!Fatal) Walked_[Node.Mark().pos].push_back({Node, Nodes_ - Before});
+    if (!Fatal) Same.push_back({Node, Nodes_ - Before});  // the map keeps the list where it is
   }
 
  private:
