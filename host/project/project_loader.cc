@@ -2,9 +2,6 @@
 
 #include <strings.h>
 
-#include <yaml-cpp/depthguard.h>
-#include <yaml-cpp/yaml.h>
-
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
@@ -17,7 +14,7 @@
 #include "host/project/did_you_mean.h"
 #include "host/project/property_values.h"
 #include "host/project/variables.h"
-#include "host/project/yaml_checks.h"
+#include "host/project/yaml_document.h"
 
 namespace zt::host {
 
@@ -45,12 +42,14 @@ class Loader {
   Loader(const std::string& Text, const std::string& FileName, const ActionRegistry& Registry)
       : Text_(Text), FileName_(FileName), Registry_(Registry) {}
 
-  Project Load(const YAML::Node& Root) {
+  Project Load() {
     Project P;
     P.Registry = &Registry_;
-    bool Fatal = false;
-    for (auto& Problem : CheckYaml(Root, &Fatal)) Errors_.push_back({Problem.Line, std::move(Problem.Text)});
-    if (!Fatal) Try([&] { LoadRoot(Root, P); });
+    YamlDocument Doc;
+    std::vector<YamlProblem> Problems;
+    bool Complete = Doc.Read(Text_, Problems);
+    for (auto& Problem : Problems) Errors_.push_back({Problem.Line, std::move(Problem.Text)});
+    if (Complete) Try([&] { LoadRoot(Doc.Root(), P); });
     if (!Errors_.empty()) {
       std::stable_sort(Errors_.begin(), Errors_.end(),
                        [](const auto& A, const auto& B) { return A.Line < B.Line; });
@@ -62,8 +61,8 @@ class Loader {
  private:
   struct Skip {};  // thrown after an error is recorded: the item at hand is left out
 
-  void Report(const YAML::Node& At, const std::string& What) { Errors_.push_back({LineOf(At), What}); }
-  [[noreturn]] void Fail(const YAML::Node& At, const std::string& What) {
+  void Report(const YamlNode& At, const std::string& What) { Errors_.push_back({At.Line(), What}); }
+  [[noreturn]] void Fail(const YamlNode& At, const std::string& What) {
     Report(At, What);
     throw Skip{};
   }
@@ -75,31 +74,31 @@ class Loader {
     }
   }
 
-  std::string Scalar(const YAML::Node& Node, const std::string& What) {
+  std::string Scalar(const YamlNode& Node, const std::string& What) {
     if (Node.IsNull()) return "";
     if (!Node.IsScalar()) Fail(Node, What + " must be a text");
     return Node.Scalar();
   }
 
-  bool Boolean(const YAML::Node& Node, const std::string& What) {
+  bool Boolean(const YamlNode& Node, const std::string& What) {
     bool B;
-    if (!Node.IsScalar() || !YAML::convert<bool>::decode(Node, B))
+    if (!Node.IsScalar() || !YamlBoolean(Node.Scalar(), B))
       Fail(Node, What + " must be true or false");
     return B;
   }
 
-  std::vector<std::string> TextList(const YAML::Node& Node, const std::string& What) {
+  std::vector<std::string> TextList(const YamlNode& Node, const std::string& What) {
     std::vector<std::string> R;
     if (Node.IsScalar())
       R.push_back(Node.Scalar());
     else if (Node.IsSequence())
-      for (const auto& Item : Node) R.push_back(Scalar(Item, What));
+      for (const YamlNode* Item : Node.Items()) R.push_back(Scalar(*Item, What));
     else if (!Node.IsNull())
       Fail(Node, What + " must be a text or a list of texts");
     return R;
   }
 
-  void LoadRoot(const YAML::Node& Root, Project& P) {
+  void LoadRoot(const YamlNode& Root, Project& P) {
     const char* kNoActions = "the project has no \"actions\" list (an empty project is \"actions: []\")";
     if (Root.IsNull()) {
       Errors_.push_back({1, kNoActions});
@@ -107,10 +106,10 @@ class Loader {
     }
     if (!Root.IsMap()) Fail(Root, "a project is a mapping with name, variables, filesets and actions");
     bool HasActions = false;
-    for (const auto& Entry : Root) {
+    for (const auto& Entry : Root.Entries()) {
       Try([&] {
-        std::string Key = Entry.first.Scalar();
-        const YAML::Node& Value = Entry.second;
+        std::string Key = Entry.first->Scalar();
+        const YamlNode& Value = *Entry.second;
         if (Key == "name")
           P.Name = Scalar(Value, "name");
         else if (Key == "variables")
@@ -121,49 +120,49 @@ class Loader {
           LoadOptions(Value, P);
         else if (Key == "actions") {
           HasActions = true;
-          if (Value.IsNull()) Fail(Entry.first, kNoActions);
+          if (Value.IsNull()) Fail(*Entry.first, kNoActions);
           if (!Value.IsSequence()) Fail(Value, "actions must be a list");
           LoadActions(Value, "", P.Actions);
         } else
-          Fail(Entry.first, "unknown key \"" + Key + "\"" + DidYouMean(Key, kProjectKeys));
+          Fail(*Entry.first, "unknown key \"" + Key + "\"" + DidYouMean(Key, kProjectKeys));
       });
     }
-    if (!HasActions) Errors_.push_back({std::max(LineOf(Root), 1), kNoActions});
+    if (!HasActions) Errors_.push_back({std::max(Root.Line(), 1), kNoActions});
   }
 
   // options: {OptionsClass: {Property: value}}; each value of its
   // property's type (a Boolean, an integer, a text, or an enumeration name).
-  void LoadOptions(const YAML::Node& Node, Project& P) {
+  void LoadOptions(const YamlNode& Node, Project& P) {
     if (Node.IsNull()) return;
     if (!Node.IsMap()) Fail(Node, "options must be a mapping of options class to settings");
-    for (const auto& C : Node) {
+    for (const auto& C : Node.Entries()) {
       Try([&] {
-        const std::string ClassName = C.first.Scalar();
+        const std::string ClassName = C.first->Scalar();
         const RegisteredOptions* O = Registry_.FindOptions(ClassName);
         if (!O) {
           std::vector<std::string> Names;
           for (const auto& R : Registry_.Options()) Names.push_back(R.ClassName);
-          Fail(C.first, "unknown options \"" + ClassName + "\"" + DidYouMean(ClassName, Names));
+          Fail(*C.first, "unknown options \"" + ClassName + "\"" + DidYouMean(ClassName, Names));
         }
-        if (C.second.IsNull()) return;
-        if (!C.second.IsMap()) Fail(C.second, O->ClassName + " must be a mapping of property to value");
-        for (const auto& V : C.second) {
+        if (C.second->IsNull()) return;
+        if (!C.second->IsMap()) Fail(*C.second, O->ClassName + " must be a mapping of property to value");
+        for (const auto& V : C.second->Entries()) {
           Try([&] {
-            const std::string Name = V.first.Scalar();
+            const std::string Name = V.first->Scalar();
             const frame::TZTOptionProperty* Prop = O->Find(Name);
             if (!Prop) {
               std::vector<std::string> Names;
               for (const auto& R : O->Properties) Names.push_back(R.Name);
-              Fail(V.first, O->ClassName + ": unknown property \"" + Name + "\"" + DidYouMean(Name, Names));
+              Fail(*V.first, O->ClassName + ": unknown property \"" + Name + "\"" + DidYouMean(Name, Names));
             }
-            P.Options[O->ClassName][Prop->Name] = OptionValue(*Prop, V.second, O->ClassName);
+            P.Options[O->ClassName][Prop->Name] = OptionValue(*Prop, *V.second, O->ClassName);
           });
         }
       });
     }
   }
 
-  frame::TZTVariant OptionValue(const frame::TZTOptionProperty& Prop, const YAML::Node& Node,
+  frame::TZTVariant OptionValue(const frame::TZTOptionProperty& Prop, const YamlNode& Node,
                                 const std::string& ClassName) {
     const std::string What = ClassName + "." + Prop.Name;
     const std::string Text = Scalar(Node, What);
@@ -185,51 +184,51 @@ class Loader {
     return {};
   }
 
-  void LoadVariables(const YAML::Node& Node, Project& P) {
+  void LoadVariables(const YamlNode& Node, Project& P) {
     if (Node.IsNull()) return;
     if (!Node.IsMap()) Fail(Node, "variables must be a mapping of name to value");
     std::map<std::string, int> Lines;  // lower-case name -> line of its definition
-    for (const auto& V : Node) {
+    for (const auto& V : Node.Entries()) {
       Try([&] {
-        std::string Name = V.first.Scalar();
-        const YAML::Node& Value = V.second;
+        std::string Name = V.first->Scalar();
+        const YamlNode& Value = *V.second;
         if (!IsVariableName(Name))
-          Fail(V.first, "variable name \"" + Name + "\" is not valid (letters, digits, _, . and -)");
-        auto [It, First] = Lines.emplace(LowerCase(Name), LineOf(V.first));
-        if (!First && It->second != LineOf(V.first))  // the same spelling twice is a duplicate key already
-          Report(V.first, "variable \"" + Name + "\" is defined on line " + std::to_string(It->second) +
+          Fail(*V.first, "variable name \"" + Name + "\" is not valid (letters, digits, _, . and -)");
+        auto [It, First] = Lines.emplace(LowerCase(Name), V.first->Line());
+        if (!First && It->second != V.first->Line())  // the same spelling twice is a duplicate key already
+          Report(*V.first, "variable \"" + Name + "\" is defined on line " + std::to_string(It->second) +
                               " already (names ignore letter case)");
         if (!Value.IsScalar() && !Value.IsNull())
           Fail(Value, "variable \"" + Name + "\" must be a text, Boolean or integer");
         std::string Text = Value.IsNull() ? "" : Value.Scalar();
         // A quoted value is always text; a plain one may be a Boolean or an integer.
-        bool Quoted = Value.Tag() == "!";
+        bool Quoted = !Value.Plain();
         P.InitialVariables.emplace_back(Name, Quoted ? frame::TZTVariant(Text) : TypedValueOf(Text));
       });
     }
   }
 
-  void LoadFileSets(const YAML::Node& Node, Project& P) {
+  void LoadFileSets(const YamlNode& Node, Project& P) {
     if (Node.IsNull()) return;
     if (!Node.IsMap()) Fail(Node, "filesets must be a mapping of name to file set");
-    for (const auto& S : Node) {
+    for (const auto& S : Node.Entries()) {
       Try([&] {
         FileSetDefinition F;
-        F.Name = S.first.Scalar();
-        F.Line = LineOf(S.first);
-        if (!S.second.IsMap())
-          Fail(S.second, "file set \"" + F.Name + "\" must be a mapping with base, include and exclude");
-        for (const auto& E : S.second) {
+        F.Name = S.first->Scalar();
+        F.Line = S.first->Line();
+        if (!S.second->IsMap())
+          Fail(*S.second, "file set \"" + F.Name + "\" must be a mapping with base, include and exclude");
+        for (const auto& E : S.second->Entries()) {
           Try([&] {
-            std::string Key = E.first.Scalar();
+            std::string Key = E.first->Scalar();
             if (Key == "base")
-              F.Base = Scalar(E.second, "base");
+              F.Base = Scalar(*E.second, "base");
             else if (Key == "include")
-              F.Include = TextList(E.second, "include");
+              F.Include = TextList(*E.second, "include");
             else if (Key == "exclude")
-              F.Exclude = TextList(E.second, "exclude");
+              F.Exclude = TextList(*E.second, "exclude");
             else
-              Fail(E.first, "unknown key \"" + Key + "\" in file set \"" + F.Name + "\"" +
+              Fail(*E.first, "unknown key \"" + Key + "\" in file set \"" + F.Name + "\"" +
                                 DidYouMean(Key, kFileSetKeys));
           });
         }
@@ -238,41 +237,41 @@ class Loader {
     }
   }
 
-  void LoadActions(const YAML::Node& Node, const std::string& ParentId, std::vector<ActionNode>& Out) {
+  void LoadActions(const YamlNode& Node, const std::string& ParentId, std::vector<ActionNode>& Out) {
     if (Node.IsNull()) return;
     if (!Node.IsSequence()) Fail(Node, "actions must be a list");
     int Index = 0;
-    for (const auto& Item : Node) {
+    for (const YamlNode* Item : Node.Items()) {
       std::string Id = ParentId + (ParentId.empty() ? "" : ".") + std::to_string(++Index);
-      Try([&] { Out.push_back(LoadAction(Item, Id)); });
+      Try([&] { Out.push_back(LoadAction(*Item, Id)); });
     }
   }
 
-  ActionNode LoadAction(const YAML::Node& Node, const std::string& Id) {
+  ActionNode LoadAction(const YamlNode& Node, const std::string& Id) {
     if (!Node.IsMap()) Fail(Node, "an action must be a mapping with the key \"action\"");
-    const YAML::Node TypeNode = Node["action"];
+    const YamlNode* TypeNode = Node.Find("action");
     if (!TypeNode) Fail(Node, "action without the key \"action\"");
-    std::string TypeName = Scalar(TypeNode, "action");
+    std::string TypeName = Scalar(*TypeNode, "action");
     ActionNode A;
     A.Id = Id;
-    A.Line = LineOf(Node);
+    A.Line = Node.Line();
     A.Type = Registry_.Find(TypeName);
     if (!A.Type) {
-      Report(TypeNode, "unknown action \"" + TypeName + "\"" + Registry_.DidYouMean(TypeName));
-      if (const YAML::Node Children = Node["actions"]) Try([&] { LoadActions(Children, Id, A.Children); });
+      Report(*TypeNode, "unknown action \"" + TypeName + "\"" + Registry_.DidYouMean(TypeName));
+      if (const YamlNode* Children = Node.Find("actions")) Try([&] { LoadActions(*Children, Id, A.Children); });
       throw Skip{};
     }
-    if (!A.Type->Class->Create) Fail(TypeNode, "action \"" + TypeName + "\" cannot be created");
+    if (!A.Type->Class->Create) Fail(*TypeNode, "action \"" + TypeName + "\" cannot be created");
     A.Action.reset(A.Type->Class->Create());
     A.Action->SetTitle(A.Type->DisplayName);
 
     std::vector<frame::TZTPropInfo> Props = A.Type->Class->Properties();
     frame::TStrings ReadOnly;
     A.Action->GetReadOnlyProperties(ReadOnly);
-    for (const auto& Entry : Node) {
+    for (const auto& Entry : Node.Entries()) {
       Try([&] {
-        std::string Key = Entry.first.Scalar();
-        const YAML::Node& Value = Entry.second;
+        std::string Key = Entry.first->Scalar();
+        const YamlNode& Value = *Entry.second;
         if (Key == "action") return;
         if (Key == "title")
           A.Action->SetTitle(Scalar(Value, "title"));
@@ -281,55 +280,44 @@ class Loader {
         else if (Key == "ignoreFailure")
           A.IgnoreFailure = Boolean(Value, "ignoreFailure");
         else if (Key == "actions")
-          LoadChildren(A, Entry.first, Value);
+          LoadChildren(A, *Entry.first, Value);
         else if (Key == "scripts")
           LoadScripts(Value, A);
         else if (A.Type->Class->IsAvailable())  // a type not built yet is refused as a whole, not per setting
-          ApplyProperty(A, Props, ReadOnly, Entry.first, Value);
+          ApplyProperty(A, Props, ReadOnly, *Entry.first, Value);
       });
     }
     return A;
   }
 
-  void LoadChildren(ActionNode& A, const YAML::Node& KeyNode, const YAML::Node& Value) {
-    if (Value.IsSequence() && Value.size() > 0 && !TakesChildren(A))
+  void LoadChildren(ActionNode& A, const YamlNode& KeyNode, const YamlNode& Value) {
+    if (Value.IsSequence() && !Value.Items().empty() && !TakesChildren(A))
       Report(KeyNode,
              A.Type->DisplayName + " takes no child actions (only loops and flow-control actions do)");
     LoadActions(Value, A.Id, A.Children);
   }
 
   // Names are those the action owns (AddScript) and the host's events.
-  void LoadScripts(const YAML::Node& Node, ActionNode& A) {
+  void LoadScripts(const YamlNode& Node, ActionNode& A) {
     if (Node.IsNull()) return;
     if (!Node.IsMap()) Fail(Node, "scripts must be a mapping of script name to source");
     std::vector<std::string> Names = A.Action->GetScriptNames();
     Names.insert(Names.end(), kEventScripts.begin(), kEventScripts.end());
-    for (const auto& S : Node)
+    for (const auto& S : Node.Entries())
       Try([&] {
-        std::string Name = S.first.Scalar();
+        std::string Name = S.first->Scalar();
         if (std::find(Names.begin(), Names.end(), Name) == Names.end())
-          Fail(S.first, A.Type->DisplayName + ": unknown script \"" + Name + "\"" + DidYouMean(Name, Names));
-        A.Scripts.push_back({Name, Scalar(S.second, "script"), FirstSourceLine(S.second)});
+          Fail(*S.first, A.Type->DisplayName + ": unknown script \"" + Name + "\"" + DidYouMean(Name, Names));
+        A.Scripts.push_back({Name, Scalar(*S.second, "script"), FirstSourceLine(*S.second)});
       });
   }
 
   // A block scalar (`|`, `>`) starts on the line after its indicator; any
   // other scalar on the line of its node.
-  int FirstSourceLine(const YAML::Node& Node) const {
-    const YAML::Mark& M = Node.Mark();
-    if (M.is_null()) return 0;
-    std::size_t P = M.pos;
-    // Skip a tag or an anchor in front of the indicator.
-    while (P < Text_.size() && (Text_[P] == '!' || Text_[P] == '&')) {
-      while (P < Text_.size() && Text_[P] != ' ' && Text_[P] != '\n') ++P;
-      while (P < Text_.size() && Text_[P] == ' ') ++P;
-    }
-    bool Block = P < Text_.size() && (Text_[P] == '|' || Text_[P] == '>');
-    return M.line + 1 + (Block ? 1 : 0);
-  }
+  static int FirstSourceLine(const YamlNode& Node) { return Node.Line() ? Node.Line() + (Node.Block() ? 1 : 0) : 0; }
 
   void ApplyProperty(ActionNode& A, const std::vector<frame::TZTPropInfo>& Props,
-                     const frame::TStrings& ReadOnly, const YAML::Node& KeyNode, const YAML::Node& Value) {
+                     const frame::TStrings& ReadOnly, const YamlNode& KeyNode, const YamlNode& Value) {
     const std::string& Type = A.Type->DisplayName;
     const frame::TZTPropInfo* Prop = nullptr;
     try {
@@ -351,8 +339,6 @@ class Loader {
   std::vector<LoadError> Errors_;
 };
 
-int LineOfError(const YAML::Exception& E) { return E.mark.is_null() ? 0 : E.mark.line + 1; }
-
 void CollectUnavailable(const std::vector<ActionNode>& Nodes, std::vector<LoadError>& Out) {
   for (const auto& N : Nodes) {
     if (!N.Enabled) continue;
@@ -372,22 +358,9 @@ std::string ErrorLine(const std::string& File, const LoadError& E) {
 
 Project LoadProjectText(const std::string& Text, const std::string& FileName,
                         const ActionRegistry& Registry) {
-  YAML::Node Root;
-  try {
-    Root = YAML::Load(Text);
-  } catch (const YAML::DeepRecursion& E) {
-    throw ProjectError(FileName, {{LineOfError(E), "the project is nested more than " +
-                                                     std::to_string(kMaxYamlDepth) + " levels deep"}});
-  } catch (const YAML::Exception& E) {
-    throw ProjectError(FileName, {{LineOfError(E), E.msg}});
-  }
-  try {
-    Project P = Loader(Text, FileName, Registry).Load(Root);
-    P.FileName = FileName;
-    return P;
-  } catch (const YAML::Exception& E) {
-    throw ProjectError(FileName, {{LineOfError(E), E.msg}});
-  }
+  Project P = Loader(Text, FileName, Registry).Load();
+  P.FileName = FileName;
+  return P;
 }
 
 Project LoadProject(const std::string& Path, const ActionRegistry& Registry) {

@@ -14,24 +14,24 @@ using frame::TZTVariant;
 
 namespace {
 
-std::string Shown(const YAML::Node& Node) {
+std::string Shown(const YamlNode& Node) {
   if (Node.IsScalar()) return "\"" + Node.Scalar() + "\"";
   if (Node.IsSequence()) return "a list";
   if (Node.IsMap()) return "a mapping";
   return "nothing";
 }
 
-[[noreturn]] void Expected(const std::string& What, const YAML::Node& Node) {
+[[noreturn]] void Expected(const std::string& What, const YamlNode& Node) {
   throw BadPropertyValue("expects " + What + ", got " + Shown(Node));
 }
 
-std::string ScalarText(const YAML::Node& Node, const char* What) {
+std::string ScalarText(const YamlNode& Node, const char* What) {
   if (Node.IsNull()) return "";
   if (!Node.IsScalar()) Expected(What, Node);
   return Node.Scalar();
 }
 
-std::int64_t IntegerOf(const YAML::Node& Node, const char* What) {
+std::int64_t IntegerOf(const YamlNode& Node, const char* What) {
   if (!Node.IsScalar()) Expected(What, Node);
   std::int64_t R;
   if (!frame::detail::TryStrToInt64(Node.Scalar(), R)) Expected(What, Node);
@@ -50,7 +50,7 @@ int EnumOrdinal(const frame::TZTPropInfo& Prop, const std::string& Name) {
   return -1;
 }
 
-TZTVariant EnumerationValue(const frame::TZTPropInfo& Prop, const YAML::Node& Node) {
+TZTVariant EnumerationValue(const frame::TZTPropInfo& Prop, const YamlNode& Node) {
   std::string What = "one of " + NameList(Prop.EnumNames) + " or an ordinal 0.." +
                      std::to_string(Prop.EnumNames.size() - 1);
   if (!Node.IsScalar()) Expected(What, Node);
@@ -69,7 +69,7 @@ std::vector<std::string> ValueNameList(const frame::TZTPropInfo& Prop) {
   return Names;
 }
 
-TZTVariant NamedIntegerValue(const frame::TZTPropInfo& Prop, const YAML::Node& Node) {
+TZTVariant NamedIntegerValue(const frame::TZTPropInfo& Prop, const YamlNode& Node) {
   if (Node.IsScalar())
     for (const auto& [Name, Value] : Prop.ValueNames)
       if (Node.Scalar() == Name) return Value;
@@ -79,12 +79,13 @@ TZTVariant NamedIntegerValue(const frame::TZTPropInfo& Prop, const YAML::Node& N
                          (Node.IsScalar() ? DidYouMean(Node.Scalar(), ValueNameList(Prop)) : ""));
 }
 
-TZTVariant SetValue(const frame::TZTPropInfo& Prop, const YAML::Node& Node) {
+TZTVariant SetValue(const frame::TZTPropInfo& Prop, const YamlNode& Node) {
   std::string What = "a list of " + NameList(Prop.EnumNames);
   if (Node.IsNull()) return std::int64_t{0};
   if (!Node.IsSequence()) Expected(What, Node);
   std::int64_t Mask = 0;
-  for (const auto& Item : Node) {
+  for (const YamlNode* ItemNode : Node.Items()) {
+    const YamlNode& Item = *ItemNode;
     int Ordinal = Item.IsScalar() ? EnumOrdinal(Prop, Item.Scalar()) : -1;
     if (Ordinal < 0 || Ordinal > 62) {
       std::string Hint = Item.IsScalar() ? DidYouMean(Item.Scalar(), Prop.EnumNames) : "";
@@ -95,10 +96,11 @@ TZTVariant SetValue(const frame::TZTPropInfo& Prop, const YAML::Node& Node) {
   return Mask;
 }
 
-TZTVariant StringListValue(const YAML::Node& Node) {
+TZTVariant StringListValue(const YamlNode& Node) {
   frame::TStrings Lines;
   if (Node.IsSequence()) {
-    for (const auto& Item : Node) {
+    for (const YamlNode* ItemNode : Node.Items()) {
+      const YamlNode& Item = *ItemNode;
       if (!Item.IsScalar() && !Item.IsNull()) Expected("a list of texts or a multi-line text", Item);
       Lines.Add(Item.IsNull() ? "" : Item.Scalar());
     }
@@ -124,7 +126,7 @@ void CheckWritable(const frame::TZTPropInfo& Prop, const frame::TStrings& ReadOn
     throw BadPropertyValue("property \"" + Prop.Name + "\" is read-only");
 }
 
-void SetPropertyFromYaml(frame::TZTAction& Action, const frame::TZTPropInfo& Prop, const YAML::Node& Node) {
+void SetPropertyFromYaml(frame::TZTAction& Action, const frame::TZTPropInfo& Prop, const YamlNode& Node) {
   TZTVariant Value;
   try {
     Value = PropertyValueFromYaml(Prop, Node);
@@ -138,14 +140,14 @@ void SetPropertyFromYaml(frame::TZTAction& Action, const frame::TZTPropInfo& Pro
   }
 }
 
-TZTVariant PropertyValueFromYaml(const frame::TZTPropInfo& Prop, const YAML::Node& Node) {
+TZTVariant PropertyValueFromYaml(const frame::TZTPropInfo& Prop, const YamlNode& Node) {
   switch (Prop.Kind) {
     case TZTPropertyKind::String:
     case TZTPropertyKind::WideString:
       return ScalarText(Node, "a text");
     case TZTPropertyKind::Boolean: {
       bool B;
-      if (!Node.IsScalar() || !YAML::convert<bool>::decode(Node, B)) Expected("a Boolean (true or false)", Node);
+      if (!Node.IsScalar() || !YamlBoolean(Node.Scalar(), B)) Expected("a Boolean (true or false)", Node);
       return B;
     }
     case TZTPropertyKind::Integer:

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include <yaml-cpp/yaml.h>
+#include "host/project/yaml_document.h"
 
 #include "frame/ZTAction.h"
 #include "frame/ZTProperties.h"
@@ -33,12 +33,12 @@ void CheckWritable(const frame::TZTPropInfo& Prop, const frame::TStrings& ReadOn
 // Sets Prop of Action through its setter from Node, written as in a project
 // file. Throws BadPropertyValue `property "X" expects ...` for a value of the
 // wrong type, `property "X": <message>` when the setter refuses it.
-void SetPropertyFromYaml(frame::TZTAction& Action, const frame::TZTPropInfo& Prop, const YAML::Node& Node);
+void SetPropertyFromYaml(frame::TZTAction& Action, const frame::TZTPropInfo& Prop, const YamlNode& Node);
 
 // Strings: any scalar as text; Booleans; integers; doubles; date-times as
 // ISO 8601; enumerations by value name or ordinal; sets as a list of value
 // names; string lists as a list or a multi-line text (lines joined with CR LF).
-frame::TZTVariant PropertyValueFromYaml(const frame::TZTPropInfo& Prop, const YAML::Node& Node);
+frame::TZTVariant PropertyValueFromYaml(const frame::TZTPropInfo& Prop, const YamlNode& Node);
 
 // The value as a project file would write it: enumerations by name, sets as
 // "[a, b]", Booleans true/false, date-times in ISO 8601, string lists as

@@ -182,13 +182,14 @@ struct ScriptSession::Api {
     const frame::TZTPropInfo& P = Property(L, Key);
     try {
       CheckWritable(P, S.ReadOnly_);
-      YAML::Node Value;
-      try {
-        Value = PropertyNode(L, 3);
-      } catch (const ScriptError& E) {
-        throw BadPropertyValue("property \"" + Key + "\" " + E.what());
-      }
-      SetPropertyFromYaml(*S.Scope_.Action, P, Value);
+      const YamlDocument Value = [&] {
+        try {
+          return PropertyNode(L, 3);
+        } catch (const ScriptError& E) {
+          throw BadPropertyValue("property \"" + Key + "\" " + E.what());
+        }
+      }();
+      SetPropertyFromYaml(*S.Scope_.Action, P, Value.Root());
     } catch (const BadPropertyValue& E) {
       throw ScriptError(TypeName(L) + ": " + E.what());
     }

@@ -127,17 +127,22 @@ void PushProperty(lua_State* L, const frame::TZTPropInfo& Prop, const TZTVariant
   }
 }
 
-YAML::Node PropertyNode(lua_State* L, int Index) {
-  if (lua_isnil(L, Index)) return YAML::Node(YAML::NodeType::Null);
-  if (!lua_istable(L, Index)) return YAML::Node(ScalarText(L, Index));
-  YAML::Node List(YAML::NodeType::Sequence);
+YamlDocument PropertyNode(lua_State* L, int Index) {
+  YamlDocument Value;
+  if (lua_isnil(L, Index)) return Value;
+  if (!lua_istable(L, Index)) {
+    Value.SetScalar(ScalarText(L, Index));
+    return Value;
+  }
+  std::vector<std::string> Items;
   lua_Integer N = static_cast<lua_Integer>(lua_rawlen(L, Index));
   for (lua_Integer I = 1; I <= N; ++I) {
     lua_rawgeti(L, Index, I);
-    List.push_back(ScalarText(L, -1));
+    Items.push_back(ScalarText(L, -1));
     lua_pop(L, 1);
   }
-  return List;
+  Value.SetList(std::move(Items));
+  return Value;
 }
 
 }  // namespace zt::host

@@ -8,7 +8,7 @@
 // failures are ScriptError.
 #pragma once
 
-#include <yaml-cpp/yaml.h>
+#include "host/project/yaml_document.h"
 
 #include <lua.hpp>
 #include <stdexcept>
@@ -39,6 +39,6 @@ void PushProperty(lua_State* L, const frame::TZTPropInfo& Prop, const frame::TZT
 
 // The value at Index as a project file writes it: nil as nothing, a table as
 // a list, anything else as its text ("true", "12", "tmOne").
-YAML::Node PropertyNode(lua_State* L, int Index);
+YamlDocument PropertyNode(lua_State* L, int Index);
 
 }  // namespace zt::host

@@ -164,7 +164,7 @@ TEST(HostLoadTest, ProjectsThatCannotRunExitTwoNamingFileAndLine) {
   } Rows[] = {
       // clang-format off
       // Unknown names and bad values: EveryLoadErrorIsReportedOnItsOwnLine.
-      {"actions: [\n", {}, "project.yml:2: end of sequence flow not found"},
+      {"actions: [\n", {}, "project.yml:2: did not find expected node content (while parsing a flow node that starts on line 2)"},
       {"", {"run", "no-such.yml"}, "no-such.yml: cannot open the project file: No such file or directory"},
       {"", {"run", "."}, ".: is a folder, not a project file"},
       {"", {"run", "empty.yml"}, "empty.yml:1: " + NoActions},

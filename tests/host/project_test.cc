@@ -232,6 +232,9 @@ TEST_F(ProjectTest, ValuesAreReadByTheDeclaredKind) {
   } Cases[] = {
       {"Text: 42", "Text", "42"},
       {"Flag: false", "Flag", "False"},
+      {"Flag: On", "Flag", "True"},
+      {"Flag: NO", "Flag", "False"},
+      {"Flag: y", "Flag", "True"},
       {"Count: -7", "Count", "-7"},
       {"Mode: tmThree", "Mode", "2"},
       {"Mode: 0", "Mode", "0"},
@@ -288,14 +291,28 @@ TEST_F(ProjectTest, WhatCannotBeLoadedIsOneLineNamingTheFileLine) {
        "\"yesterday\""},
       {A + "Shown: 1", "p.yml:3: Test Action: property \"Shown\" is read-only"},
       {A + "enabled: sometimes", "p.yml:3: enabled must be true or false"},
+      {A + "Flag: tRUE", "p.yml:3: Test Action: property \"Flag\" expects a Boolean (true or false), got \"tRUE\""},
       // Malformed files.
       {"- just\n- a list\n", "p.yml:1: a project is a mapping with name, variables, filesets and actions"},
       {"actions: 3\n", "p.yml:1: actions must be a list"},
       {"actions:\n  - 3\n", "p.yml:2: an action must be a mapping with the key \"action\""},
       {"name: {a: 1}\nactions: []\n", "p.yml:1: name must be a text"},
       {"variables:\n  X: [1]\nactions: []\n", "p.yml:2: variable \"X\" must be a text, Boolean or integer"},
+      {"actions:\n  - action: Test Action\n    Text: *nowhere\n", "p.yml:3: the alias *nowhere names no anchor"},
+      {"name: caf\xe9\nactions: []\n", "p.yml:1: the file is not UTF-8 text (invalid trailing UTF-8 octet)"},
+      {"actions:\n\t- action: Test Action\n",
+       "p.yml:2: found character that cannot start any token (while scanning for the next token that starts on "
+       "line 2)"},
+      // Nesting counts through aliases: 150 levels, used 150 levels deep.
+      {"a: &deep " + std::string(150, '[') + std::string(150, ']') + "\nb: " + std::string(150, '[') + "*deep" +
+           std::string(150, ']') + "\nactions: []\n",
+       "p.yml:2: the project is nested more than 200 levels deep"},
   };
   for (const auto& [Yaml, Error] : Cases) EXPECT_EQ(ErrorOf(Yaml), Error) << Yaml;
+  // A key repeated in a mapping of many keys (looked up, not scanned).
+  std::string Many = "filesets:\n";
+  for (int I = 0; I < 31; ++I) Many += "  s" + std::to_string(I % 30) + ": {base: x}\n";
+  EXPECT_EQ(ErrorOf(Many + "actions: []\n"), "p.yml:32: duplicate key \"s0\" (first on line 2)");
   // Aliases of aliases: ten million nodes, refused at the limit (counted, not walked).
   std::string Bomb = "a0: &a0 [x, x, x, x, x, x, x, x, x, x]\n";
   for (int I = 1; I < 7; ++I) {
@@ -305,7 +322,7 @@ TEST_F(ProjectTest, WhatCannotBeLoadedIsOneLineNamingTheFileLine) {
     Bomb += "]\n";
   }
   EXPECT_EQ(ErrorOf(Bomb + "actions: []\n"),
-            "p.yml:5: the project has more than 1000000 YAML nodes (counting every use of an alias)");
+            "p.yml:6: the project has more than 1000000 YAML nodes (counting every use of an alias)");
 }
 
 TEST_F(ProjectTest, ExceptionFromExecuteFailsTheActionWithAHostLine) {
