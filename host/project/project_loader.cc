@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <fstream>
 #include <map>
+#include <unordered_map>
 #include <sstream>
 
 #include "frame/ZTStrings.h"
@@ -255,7 +256,8 @@ class Loader {
     ActionNode A;
     A.Id = Id;
     A.Line = Node.Line();
-    A.Type = Registry_.Find(TypeName);
+    const TypeFacts& Facts = FactsOf(TypeName);
+    A.Type = Facts.Type;
     if (!A.Type) {
       Report(*TypeNode, "unknown action \"" + TypeName + "\"" + Registry_.DidYouMean(TypeName));
       if (const YamlNode* Children = Node.Find("actions")) Try([&] { LoadActions(*Children, Id, A.Children); });
@@ -265,7 +267,7 @@ class Loader {
     A.Action.reset(A.Type->Class->Create());
     A.Action->SetTitle(A.Type->DisplayName);
 
-    std::vector<frame::TZTPropInfo> Props = A.Type->Class->Properties();
+    const std::vector<frame::TZTPropInfo>& Props = Facts.Props;
     frame::TStrings ReadOnly;
     A.Action->GetReadOnlyProperties(ReadOnly);
     for (const auto& Entry : Node.Entries()) {
@@ -337,6 +339,19 @@ class Loader {
   std::string FileName_;
   const ActionRegistry& Registry_;
   std::vector<LoadError> Errors_;
+
+  // A project repeats a few types many times: each name is looked up, and
+  // its class's property list made, once per load.
+  struct TypeFacts {
+    const RegisteredAction* Type = nullptr;
+    std::vector<frame::TZTPropInfo> Props;
+  };
+  const TypeFacts& FactsOf(const std::string& TypeName) {
+    auto [It, New] = Types_.try_emplace(TypeName);
+    if (New && (It->second.Type = Registry_.Find(TypeName))) It->second.Props = It->second.Type->Class->Properties();
+    return It->second;
+  }
+  std::unordered_map<std::string, TypeFacts> Types_;
 };
 
 void CollectUnavailable(const std::vector<ActionNode>& Nodes, std::vector<LoadError>& Out) {
