@@ -240,28 +240,17 @@ class YamlDocument::Builder {
   void CheckDuplicate(Open_& Map, const YamlNode& Key, int Line) {
     constexpr std::size_t kScanUpTo = 16;  // a set costs more than a scan of a few keys
     const auto& Entries = Map.Node->Entries_;
+    auto SameKey = [&](const YamlNode::Entry& E) { return E.first->IsScalar() && E.first->Text_ == Key.Text_; };
     if (!Map.Hashed && Entries.size() >= kScanUpTo) {
       Map.Hashed = true;
       for (const auto& [K, V] : Entries)
         if (K->IsScalar()) Map.Keys.insert(K->Text_);
     }
-    const YamlNode* First = nullptr;
-    if (!Map.Hashed) {
-      for (const auto& [K, V] : Entries)
-        if (K->IsScalar() && K->Text_ == Key.Text_) {
-          First = K;
-          break;
-        }
-    } else if (!Map.Keys.insert(Key.Text_).second) {
-      for (const auto& [K, V] : Entries)
-        if (K->IsScalar() && K->Text_ == Key.Text_) {
-          First = K;
-          break;
-        }
-    }
-    if (First)
-      Problems_.push_back({Line, "duplicate key \"" + Key.Text_ + "\" (first on line " +
-                                     std::to_string(First->Line_) + ")"});
+    bool Seen = Map.Hashed ? !Map.Keys.insert(Key.Text_).second : std::any_of(Entries.begin(), Entries.end(), SameKey);
+    if (!Seen) return;
+    const YamlNode& First = *std::find_if(Entries.begin(), Entries.end(), SameKey)->first;
+    Problems_.push_back(
+        {Line, "duplicate key \"" + Key.Text_ + "\" (first on line " + std::to_string(First.Line_) + ")"});
   }
 
   YamlDocument& Doc_;
