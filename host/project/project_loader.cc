@@ -9,7 +9,6 @@
 #include <fstream>
 #include <map>
 #include <unordered_map>
-#include <sstream>
 
 #include "frame/ZTStrings.h"
 #include "host/project/did_you_mean.h"
@@ -385,10 +384,13 @@ Project LoadProject(const std::string& Path, const ActionRegistry& Registry) {
   std::ifstream In(Path, std::ios::binary);
   if (!In)
     throw ProjectError(Path, {{0, std::string("cannot open the project file: ") + std::strerror(errno)}});
-  std::ostringstream Text;
-  Text << In.rdbuf();
+  std::string Text;
+  // The size is a hint: a pipe has none, and a file may change while it is read.
+  if (auto Size = std::filesystem::file_size(Path, Ec); !Ec && Size < (std::uintmax_t{1} << 30)) Text.reserve(Size);
+  char Block[1 << 16];
+  while (In.read(Block, sizeof Block) || In.gcount() > 0) Text.append(Block, static_cast<std::size_t>(In.gcount()));
   if (In.bad()) throw ProjectError(Path, {{0, "cannot read the project file"}});
-  Project P = LoadProjectText(Text.str(), Path, Registry);
+  Project P = LoadProjectText(Text, Path, Registry);
   P.File = std::filesystem::absolute(Path, Ec).lexically_normal().string();
   return P;
 }

@@ -38,7 +38,12 @@ bool YamlBoolean(std::string_view Text, bool& Value) {
 YamlDocument::YamlDocument() { Root_ = &Add(YamlNode::Kind::Null, 0); }
 
 YamlNode& YamlDocument::Add(YamlNode::Kind Kind, int Line) {
-  YamlNode& N = Nodes_.emplace_back();
+  if (Used_ == Capacity_) {
+    Capacity_ = Chunks_.empty() ? 4 : std::min<std::size_t>(2 * Capacity_, 1024);
+    Chunks_.push_back(std::make_unique<YamlNode[]>(Capacity_));
+    Used_ = 0;
+  }
+  YamlNode& N = Chunks_.back()[Used_++];
   N.Kind_ = Kind;
   N.Line_ = Line;
   return N;
@@ -46,17 +51,17 @@ YamlNode& YamlDocument::Add(YamlNode::Kind Kind, int Line) {
 
 // A document made in code has its root first.
 void YamlDocument::SetScalar(std::string Text) {
-  YamlNode& Root = Nodes_.front();
+  YamlNode& Root = First();
   Root.Kind_ = YamlNode::Kind::Scalar;
   Root.Text_ = std::move(Text);
 }
 
 void YamlDocument::SetList(std::vector<std::string> Items) {
-  Nodes_.front().Kind_ = YamlNode::Kind::Sequence;
+  First().Kind_ = YamlNode::Kind::Sequence;
   for (std::string& Text : Items) {
     YamlNode& Item = Add(YamlNode::Kind::Scalar, 0);
     Item.Text_ = std::move(Text);
-    Nodes_.front().Items_.push_back(&Item);
+    First().Items_.push_back(&Item);
   }
 }
 

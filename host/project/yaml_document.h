@@ -6,7 +6,7 @@
 #pragma once
 
 #include <cstddef>
-#include <deque>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -64,7 +64,7 @@ class YamlDocument {
   YamlDocument();  // one null node
   YamlDocument(const YamlDocument&) = delete;
   YamlDocument& operator=(const YamlDocument&) = delete;
-  YamlDocument(YamlDocument&&) = default;  // a deque's nodes keep their addresses when it moves
+  YamlDocument(YamlDocument&&) = default;  // the nodes stay where they are
 
   // Reads the first document of Text (an empty text is one null node).
   // Problems gets every key written twice in one mapping, and the problem
@@ -84,7 +84,12 @@ class YamlDocument {
  private:
   class Builder;
   YamlNode& Add(YamlNode::Kind Kind, int Line);
-  std::deque<YamlNode> Nodes_;  // a deque: nodes keep their addresses as it grows
+  YamlNode& First() { return Chunks_.front()[0]; }
+  // Nodes are made in chunks that never move, each twice the last up to a
+  // limit: a script's value has a few nodes, a project tens of thousands.
+  std::vector<std::unique_ptr<YamlNode[]>> Chunks_;
+  std::size_t Capacity_ = 0;  // of the last chunk
+  std::size_t Used_ = 0;      // nodes made in it
   const YamlNode* Root_ = nullptr;
 };
 
