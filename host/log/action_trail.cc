@@ -17,6 +17,10 @@ void ActionTrail::Status(const std::string& Id, const std::string& Text,
   Message(Id, Text);
 }
 
+void ActionTrail::End(const std::string& Id, bool Failed) {
+  if (!Failed) Facts_.erase(Id);
+}
+
 const ActionTrail::Facts& ActionTrail::Of(const std::string& Id) const {
   static const Facts kNone;
   auto It = Facts_.find(Id);

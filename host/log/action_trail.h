@@ -21,6 +21,10 @@ class ActionTrail {
   void Start(const std::string& Id, const std::string& Title, int Line);
   void Message(const std::string& Id, const std::string& Text);
   void Status(const std::string& Id, const std::string& Text, const std::vector<std::string>& Details);
+  // Id has ended. Only a failed action's facts are asked for later (the
+  // build's end names it), so the others go: a build of thousands of actions
+  // keeps a handful.
+  void End(const std::string& Id, bool Failed);
   // The facts of Id; empty ones when Id never started.
   const Facts& Of(const std::string& Id) const;
   // "[id] title"

@@ -43,6 +43,7 @@ void GitHubAnnotations::Annotate(const char* Kind, const std::string& Id) {
 
 void GitHubAnnotations::ActionEnd(const std::string& Id, ActionResult Result, std::int64_t, int) {
   if (Result == ActionResult::Ignored) Annotate("warning", Id);
+  Trail_.End(Id, Result == ActionResult::Failure);
 }
 
 void GitHubAnnotations::BuildEnd(BuildResult, std::int64_t, const std::string& FailedId) {

@@ -177,6 +177,7 @@ void ConsoleLog::Iteration(const std::string& Id, int Index, int Count,
 
 void ConsoleLog::ActionEnd(const std::string& Id, ActionResult Result, std::int64_t DurationMs, int) {
   ++Actions_;
+  Trail_.End(Id, Result == ActionResult::Failure);
   std::string Took = DurationMs > kShowDurationMs ? DurationText(DurationMs) : "";
   switch (Result) {
     case ActionResult::Success:
