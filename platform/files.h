@@ -5,6 +5,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -156,6 +157,18 @@ THandle FileOpen(const std::string& Path, int Mode);
 // file gives ERROR_ACCESS_DENIED (Windows will not recreate it as normal).
 THandle FileCreate(const std::string& Path);
 int FileRead(THandle Handle, void* Buffer, int Count);                   // bytes read, -1 on error
+// For a checksum of a large file: hands the file's bytes from the handle's
+// position on to Consume, in order, without copying them out of the page
+// cache, and leaves the position after the last byte handed. It hands what
+// it can (nothing for a small file, another kind of file, or while a
+// substitute Env is in place); the caller reads the rest with FileRead until
+// the end, so a file that shrinks or grows meanwhile reads as reads would
+// see it. A piece of the file that vanishes while Consume reads it (another
+// program truncated the file) ends Consume at once, without its return:
+// Consume must commit its result only as it returns, and hold nothing that
+// needs a destructor while it reads. False, with ERROR_OPERATION_ABORTED,
+// when the program is stopped.
+bool FileConsumeMapped(THandle Handle, const std::function<void(const unsigned char*, std::size_t)>& Consume);
 int FileWrite(THandle Handle, const void* Buffer, int Count);            // bytes written, -1 on error
 std::int64_t FileSeek(THandle Handle, std::int64_t Offset, int Origin);  // 0 begin, 1 current, 2 end
 void FileClose(THandle Handle);

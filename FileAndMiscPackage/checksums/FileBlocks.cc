@@ -37,6 +37,7 @@ bool ReadFileInBlocks(platform::THandle Handle,
     if (Read == 0) return true;
     Consume(Buffer.get(), static_cast<std::size_t>(Read));
   }
+  if (!platform::FileConsumeMapped(Handle, Consume)) return false;
   Buffer = NewBlock(BlockSize);
   for (;;) {
     Read = platform::FileRead(Handle, Buffer.get(), BlockSize);

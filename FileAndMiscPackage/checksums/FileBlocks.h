@@ -12,7 +12,10 @@ namespace zt::package {
 
 // Reads Handle from its current position to the end and hands every block
 // read, in order, to Consume. False when a read fails (the last error is
-// set); the blocks read before the failure have been consumed.
+// set); the blocks read before the failure have been consumed. The rest of
+// a large file is handed over where it lies in the page cache
+// (platform::FileConsumeMapped): Consume commits its result only as it
+// returns, for a block another program truncates away ends it early.
 bool ReadFileInBlocks(platform::THandle Handle,
                       const std::function<void(const unsigned char* Data, std::size_t Len)>& Consume);
 

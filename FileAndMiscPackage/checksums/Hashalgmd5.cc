@@ -29,7 +29,9 @@ bool THashAlgMD5::HashFile(const std::string& FileName, THashDigest& Digest) {
     MD5_CTX Context;
     FEngine->MD5Init(Context);
     const bool ReadAll = ReadFileInBlocks(Handle, [&](const unsigned char* Data, std::size_t Len) {
-      FEngine->MD5Update(Context, Data, Len);
+      MD5_CTX Next = Context;  // committed once the whole block is in
+      FEngine->MD5Update(Next, Data, Len);
+      Context = Next;
     });
     if (!ReadAll) return false;
     FEngine->MD5Final(Digest.data(), Context);

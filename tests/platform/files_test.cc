@@ -181,6 +181,53 @@ TEST(Files, AfterAStopLongOperationsFailAtOnceUntilResumed) {
   FileClose(H);
 }
 
+// The pieces a mapping hands over, and where the reads must go on from.
+TEST(Files, MappedReadHandsTheRestOfALargeFileAndLeavesWhatIsCutAwayToReads) {
+  TempDir T;
+  std::string Data(9 * 1048576 + 12345, '\0');
+  for (std::size_t I = 0; I < Data.size(); ++I) Data[I] = static_cast<char>(I * 2654435761u >> 24);
+  const std::size_t kPiece = 4 << 20;
+  struct Row {
+    const char* What;
+    std::size_t Size, Start;
+    int CutInCall;       // the call of Consume that truncates the file to Start + 1000 bytes (0: none)
+    bool Stop;           // stopped before the call
+    std::size_t Handed;  // bytes Consume saw in the calls it finished
+  } Rows[] = {
+      {"whole, from a place inside a page", Data.size(), 70001, 0, false, Data.size() - 70001},
+      {"small file: all left to reads", 1048575, 0, 0, false, 0},
+      {"cut in the first piece", Data.size(), 65536, 1, false, 0},
+      {"cut in the second piece", Data.size(), 65536, 2, false, kPiece},
+      {"stopped", Data.size(), 0, 0, true, 0},
+  };
+  for (const Row& R : Rows) {
+    const std::string Path = T / "big.bin";
+    WriteText(Path, Data.substr(0, R.Size));
+    THandle H = FileOpen(Path, fmOpenRead);
+    ASSERT_NE(H, INVALID_HANDLE_VALUE);
+    FileSeek(H, static_cast<std::int64_t>(R.Start), 0);
+    std::string Seen;
+    int Calls = 0;
+    if (R.Stop) CancelLongOperations();
+    const bool Ok = FileConsumeMapped(H, [&](const unsigned char* P, std::size_t N) {
+      if (++Calls == R.CutInCall) {
+        ASSERT_EQ(truncate(Path.c_str(), static_cast<off_t>(R.Start + 1000)), 0);
+        volatile unsigned char Last = P[N - 1];  // gone: the call ends here
+        (void)Last;
+        ADD_FAILURE() << R.What << ": read past the cut";
+      }
+      Seen.append(reinterpret_cast<const char*>(P), N);
+    });
+    ResumeLongOperations();
+    EXPECT_EQ(Ok, !R.Stop) << R.What;
+    if (R.Stop) EXPECT_EQ(GetLastError(), ERROR_OPERATION_ABORTED);
+    EXPECT_EQ(Seen.size(), R.Handed) << R.What;
+    EXPECT_TRUE(Seen == Data.substr(R.Start, R.Handed)) << R.What;
+    EXPECT_EQ(FileSeek(H, 0, 1), static_cast<std::int64_t>(R.Start + R.Handed)) << R.What;
+    FileClose(H);
+  }
+}
+
 // Its name, and its removal by its owner, are read through XCopy's exclude list.
 TEST(Files, TemporaryFileGoesWithAnAbruptEnd) {
   TempDir T;
