@@ -75,6 +75,16 @@ bool FileConsumeMapped(THandle Handle, const std::function<void(const unsigned c
   TMappedRange Range;
   Range.Begin = static_cast<const unsigned char*>(Map);
   Range.End = Range.Begin + Length;
+  // However the reading ends, an exception from Consume included, the
+  // mapping goes and the handler stops pointing here.
+  struct TUnmapOnExit {
+    void* Map;
+    std::size_t Length;
+    ~TUnmapOnExit() {
+      Reading = nullptr;
+      munmap(Map, Length);
+    }
+  } Unmap{Map, Length};
   volatile std::size_t Done = static_cast<std::size_t>(Start - Base);  // bytes of the mapping handed over
   volatile bool Stopped = false;
   if (sigsetjmp(Range.Back, 1) == 0) {
@@ -91,8 +101,6 @@ bool FileConsumeMapped(THandle Handle, const std::function<void(const unsigned c
       Done = Offset + Size;
     }
   }
-  Reading = nullptr;
-  munmap(Map, Length);
   lseek(Fd, Base + static_cast<off_t>(Done), SEEK_SET);
   if (Stopped) return SetLastError(ERROR_OPERATION_ABORTED), false;
   return true;
