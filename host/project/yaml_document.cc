@@ -158,6 +158,10 @@ class YamlDocument::Builder {
       Fail(1 + static_cast<int>(std::count(Text.begin(), Text.begin() + At, '\n')),
            "the file is not UTF-8 text (" + What + ")");
     }
+    // The commonest slip has a plainer word than the scanner's.
+    const std::size_t At = P.problem_mark.index;
+    if (P.error == YAML_SCANNER_ERROR && At < Text.size() && Text[At] == '\t')
+      Fail(LineOf(P.problem_mark), "a tab cannot indent YAML (indent with spaces)");
     if (P.context)
       What += " (" + std::string(P.context) + " that starts on line " + std::to_string(LineOf(P.context_mark)) + ")";
     Fail(P.error == YAML_MEMORY_ERROR ? 0 : LineOf(P.problem_mark), What);

@@ -300,9 +300,7 @@ TEST_F(ProjectTest, WhatCannotBeLoadedIsOneLineNamingTheFileLine) {
       {"variables:\n  X: [1]\nactions: []\n", "p.yml:2: variable \"X\" must be a text, Boolean or integer"},
       {"actions:\n  - action: Test Action\n    Text: *nowhere\n", "p.yml:3: the alias *nowhere names no anchor"},
       {"name: caf\xe9\nactions: []\n", "p.yml:1: the file is not UTF-8 text (invalid trailing UTF-8 octet)"},
-      {"actions:\n\t- action: Test Action\n",
-       "p.yml:2: found character that cannot start any token (while scanning for the next token that starts on "
-       "line 2)"},
+      {"actions:\n\t- action: Test Action\n", "p.yml:2: a tab cannot indent YAML (indent with spaces)"},
       // Nesting counts through aliases: 150 levels, used 150 levels deep.
       {"a: &deep " + std::string(150, '[') + std::string(150, ']') + "\nb: " + std::string(150, '[') + "*deep" +
            std::string(150, ']') + "\nactions: []\n",
