@@ -22,7 +22,6 @@ class YamlNode {
   enum class Kind { Null, Scalar, Sequence, Map };
   using Entry = std::pair<const YamlNode*, const YamlNode*>;  // key, value
 
-  Kind Type() const { return Kind_; }
   bool IsNull() const { return Kind_ == Kind::Null; }
   bool IsScalar() const { return Kind_ == Kind::Scalar; }
   bool IsSequence() const { return Kind_ == Kind::Sequence; }
