@@ -8,13 +8,6 @@
 
 namespace zt::platform {
 
-namespace {
-
-// Below this a read costs less than setting up and tearing down a mapping.
-constexpr std::int64_t kMapFrom = 1 << 20;
-
-}  // namespace
-
 bool TFileView::Open(const std::string& Path) {
   Close();
   THandle H = FileOpen(Path, fmOpenRead | fmShareDenyWrite);
@@ -25,7 +18,7 @@ bool TFileView::Open(const std::string& Path) {
   const std::int64_t Size = FileSeek(H, 0, 2);
   FileSeek(H, 0, 0);
   const int Fd = static_cast<int>(H);
-  if (Size >= kMapFrom && posix::PlatformEnvInstalled() && fcntl(Fd, F_GETLEASE) == F_RDLCK) {
+  if (Size >= posix::kMapFrom && posix::PlatformEnvInstalled() && fcntl(Fd, F_GETLEASE) == F_RDLCK) {
     void* P = mmap(nullptr, static_cast<std::size_t>(Size), PROT_READ, MAP_PRIVATE | MAP_POPULATE, Fd, 0);
     if (P != MAP_FAILED) {
       Handle_ = H;

@@ -23,8 +23,6 @@ namespace zt::platform {
 
 namespace {
 
-// Below this a read costs less than setting up and tearing down a mapping.
-constexpr std::int64_t kMapFrom = 1 << 20;
 // A piece: large enough that the calls per piece do not count, small enough
 // that a stop is seen within a few milliseconds.
 constexpr std::size_t kPiece = 4 << 20;
@@ -65,7 +63,7 @@ bool FileConsumeMapped(THandle Handle, const std::function<void(const unsigned c
   struct stat St;
   if (!posix::PlatformEnvInstalled() || fstat(Fd, &St) != 0 || !S_ISREG(St.st_mode)) return true;
   const off_t Start = lseek(Fd, 0, SEEK_CUR);
-  if (Start < 0 || St.st_size - Start < kMapFrom) return true;
+  if (Start < 0 || St.st_size - Start < posix::kMapFrom) return true;
   // A mapping starts on a page; the bytes before Start in that page are skipped.
   const off_t Base = Start - Start % sysconf(_SC_PAGESIZE);
   const std::size_t Length = static_cast<std::size_t>(St.st_size - Base);

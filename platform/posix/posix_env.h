@@ -119,6 +119,11 @@ void FillInfo(const struct stat& St, DWORD Attributes, FileInfo& Info);
 // replacement sees (and can fail) every one.
 inline bool PlatformEnvInstalled() { return Env::Default() == Env::Platform(); }
 
+// Files this large or larger are mapped rather than read (TFileView,
+// FileConsumeMapped): below it a read costs less than setting up and
+// tearing down a mapping.
+constexpr std::int64_t kMapFrom = 1 << 20;
+
 // The file that Path leads to: symbolic links of its last component followed
 // (also to a file that does not exist yet), or Path itself when it is none.
 std::string FinalTarget(const std::string& Path);
